@@ -1,0 +1,40 @@
+#pragma once
+
+/// Texts as the system sees them: UTF-8, counted in Unicode code points, never torn inside one.
+///
+/// A byte that belongs to no well-formed sequence counts as one character and is kept as it is.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace talm_flow {
+
+/// How many characters the text has.
+[[nodiscard]] std::size_t CharacterCount(std::string_view text);
+
+/// The first `count` characters (the whole text when it is shorter).
+[[nodiscard]] std::string_view FirstCharacters(std::string_view text, std::size_t count);
+
+/// The byte offset of the character at 0-based `index`; the text's size when it has no such character.
+[[nodiscard]] std::size_t OffsetOfCharacter(std::string_view text, std::size_t index);
+
+/// Without the spaces at both ends (spaces only: no tabs, no line breaks).
+[[nodiscard]] std::string_view TrimBlanks(std::string_view text);
+
+/// The pieces between the separators, empty ones included; the empty text has none. `separator` must not be empty.
+/// The views point into `text`.
+[[nodiscard]] std::vector<std::string_view> Split(std::string_view text, std::string_view separator);
+
+/// Every occurrence of `sought` (not empty) replaced, from the left, without looking into what was put in.
+[[nodiscard]] std::string ReplaceAll(std::string_view text, std::string_view sought, std::string_view replacement);
+
+/// Each character mapped one to one, independent of any locale.
+[[nodiscard]] std::string LowerCase(std::string_view text);
+[[nodiscard]] std::string UpperCase(std::string_view text);
+
+/// Equal when A to Z and a to z are taken as the same; for names of columns, tables and keywords.
+[[nodiscard]] bool EqualIgnoringAsciiCase(std::string_view a, std::string_view b);
+
+}  // namespace talm_flow
