@@ -98,7 +98,8 @@ class Session {
     (Append(pieces), ...);
   }
   void Append(std::string_view fragment) { text_.append(fragment); }
-  void Append(const Value& number) {
+  template <std::same_as<Value> T>
+  void Append(const T& number) {
     if (number.IsWhole()) {
       Append(number.Whole());
     } else {
