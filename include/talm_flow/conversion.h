@@ -39,6 +39,8 @@ struct DateParts {
 [[nodiscard]] std::optional<double> ParseNumber(std::string_view text);
 
 [[nodiscard]] bool IsNumeric(std::string_view text);
+[[nodiscard]] inline bool IsNumeric(const std::string& text) { return IsNumeric(std::string_view(text)); }
+[[nodiscard]] inline bool IsNumeric(const char* text) { return IsNumeric(std::string_view(text)); }
 /// Numbers and Booleans are numeric, Null is not, a text is when `ParseNumber` reads it.
 [[nodiscard]] bool IsNumeric(const Value& value);
 
