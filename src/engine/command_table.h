@@ -25,10 +25,10 @@ enum class Effect {
 
 /// How a command takes a parameter.
 enum class Taken {
-  kEvaluated,        ///< the text is an expression
-  kAsStored,         ///< the text itself is the value
-  kVariable,         ///< the text itself names the variable that is written
-  kStoredOrEvaluated ///< taken as stored when it fits as it is (a number, a flag), else evaluated
+  kEvaluated,         ///< the text is an expression
+  kAsStored,          ///< the text itself is the value
+  kVariable,          ///< the text itself names the variable that is written
+  kStoredOrEvaluated  ///< taken as stored when it fits as it is (a number, a flag), else evaluated
 };
 
 struct ParameterRow {
