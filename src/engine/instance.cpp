@@ -6,6 +6,18 @@
 
 namespace talm_flow::engine {
 
+Instance InstanceOf(const InvocationContext& call) {
+  return {.execute_id = call.ExecuteID,
+          .root_execute_id = call.RootExecuteID,
+          .table_id = call.TableID,
+          .data_id = call.DataID,
+          .flow_id = call.FlowID,
+          .operator_name = call.Operator,
+          .ip_address = call.IpAddress,
+          .other_table_id = call.OtherTableID,
+          .other_data_id = call.OtherDataID};
+}
+
 std::optional<Instance> FindInstance(db::Session& session, const Value& execute_id) {
   const auto row = session.Open("Select Top 1 * From WorkFlowExecuteID Where ExecuteID=", execute_id);
   if (!db::Session::HasRow(*row)) return std::nullopt;

@@ -12,8 +12,8 @@ namespace talm_flow::engine {
 
 /// The values that stay the same for all steps of one running instance.
 struct Instance {
-  Value execute_id;
-  Value root_execute_id;
+  Value execute_id{};
+  Value root_execute_id{};
   Value table_id;
   Value data_id;
   Value flow_id;
@@ -22,6 +22,9 @@ struct Instance {
   Value other_table_id;
   Value other_data_id;
 };
+
+/// The instance that a call's values stand for.
+[[nodiscard]] Instance InstanceOf(const InvocationContext& call);
 
 /// The link of a child instance to the parent step that started it.
 struct ParentLink {

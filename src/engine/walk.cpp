@@ -28,18 +28,6 @@ InvocationContext ContextOf(Connection& connection, Instance& instance, Value& f
           instance.other_data_id};
 }
 
-Instance InstanceOf(const InvocationContext& call) {
-  return {.execute_id = call.ExecuteID,
-          .root_execute_id = call.RootExecuteID,
-          .table_id = call.TableID,
-          .data_id = call.DataID,
-          .flow_id = call.FlowID,
-          .operator_name = call.Operator,
-          .ip_address = call.IpAddress,
-          .other_table_id = call.OtherTableID,
-          .other_data_id = call.OtherDataID};
-}
-
 }  // namespace
 
 void Walk::RunStep(Instance& instance, const Value& flow_no) {
