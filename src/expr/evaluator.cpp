@@ -1,13 +1,12 @@
 #include "expr/evaluator.h"
 
-#include <array>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "expr/arithmetic.h"
 #include "expr/tokens.h"
 #include "talm_flow/conversion.h"
 #include "talm_flow/error.h"
@@ -17,8 +16,6 @@ namespace talm_flow::expr {
 namespace {
 
 constexpr std::string_view kParenthesesIncomplete = "括号不完整";
-constexpr std::string_view kDivisorIsZero = "除数为0";
-constexpr std::string_view kNotANumber = "变量不是数字";
 constexpr std::string_view kOperandMissing = "缺少运算数";
 
 constexpr int kMaxRewrites = 1000;
@@ -56,63 +53,6 @@ std::string NamedValue(db::Session& session, const Scope& scope, std::string_vie
 std::string OperandValue(db::Session& session, const Scope& scope, std::string_view operand) {
   if (IsNumeric(operand)) return std::string(operand);
   return NamedValue(session, scope, operand);
-}
-
-/// An operand's value, and the number that its text is, if it is one.
-struct Operand {
-  std::string text;
-  std::optional<double> number;
-};
-
-/// What an operator gives: an error text, a number to stand bare, or a text to stand between markers.
-struct Applied {
-  enum class Kind { kError, kNumber, kText };
-  Kind kind = Kind::kError;
-  std::string text;
-};
-
-Applied Error(std::string_view text) { return {Applied::Kind::kError, std::string(text)}; }
-
-Applied Number(double number) {
-  if (!std::isfinite(number)) throw OverflowError("arithmetic gave no finite number");
-  return {Applied::Kind::kNumber, NumberText(number)};
-}
-
-Applied Remainder(double left, double right) {
-  const std::int64_t divisor = ToInt32(right);
-  if (divisor == 0) return Error(kDivisorIsZero);
-  // 64 bits: the smallest 32-bit number has no quotient by -1 in its own width.
-  return {Applied::Kind::kNumber, std::to_string(std::int64_t{ToInt32(left)} % divisor)};
-}
-
-Applied ApplyToNumbers(char symbol, double left, double right) {
-  switch (symbol) {
-    case '+':
-      return Number(left + right);
-    case '-':
-      return Number(left - right);
-    case '*':
-      return Number(left * right);
-    case '/':
-      return right == 0 ? Error(kDivisorIsZero) : Number(left / right);
-    case '%':
-      return Remainder(left, right);
-    default:
-      return Number(std::pow(left, right));
-  }
-}
-
-Applied Apply(char symbol, const Operand& left, const Operand& right) {
-  if (left.number && right.number) return ApplyToNumbers(symbol, *left.number, *right.number);
-  if (symbol != '+' && symbol != '-') return Error(kNotANumber);
-  if (!left.number && right.number) {
-    if (const auto moment = ParseDate(left.text)) {
-      const double hours = symbol == '+' ? *right.number : -*right.number;
-      return {Applied::Kind::kText, GeneralDateText(AddHours(*moment, hours))};
-    }
-  }
-  if (symbol == '-') return Error(kNotANumber);
-  return {Applied::Kind::kText, left.text + right.text};
 }
 
 /// The evaluation of one text of several tokens. A step rewrites the text and reads its tokens again; a group is
@@ -202,9 +142,7 @@ class Evaluation {
 
   Operand Read(std::string_view token) {
     if (const auto number = ParseNumber(token)) return {std::string(token), number};
-    Operand operand{NamedValue(session_, scope_, token), std::nullopt};
-    operand.number = ParseNumber(operand.text);
-    return operand;
+    return Operand::Of(NamedValue(session_, scope_, token));
   }
 
   void Rewrite(std::string_view before, std::string_view value, bool marked, std::string_view after) {
