@@ -14,7 +14,7 @@ constexpr std::string_view kContext =
     "ExecuteID,FlowNo,RootExecuteID,TableID,DataID,FlowID,Operator,IpAddress,OtherTableID,OtherDataID";
 
 constexpr auto kOperations = std::to_array<Operation>({
-    // ---- Command -------------------------------------------------------------------------------------------------------
+    // Command
     Bind<&Command::FlowExecute>("Command.FlowExecute",
                                 "FlowID,TableID,DataID,Operator,IpAddress,OtherTableID,OtherDataID"),
     Bind<&Command::FlowExecuteAfter>("Command.FlowExecuteAfter", "ExecuteID,FlowNo"),
@@ -147,7 +147,7 @@ constexpr auto kOperations = std::to_array<Operation>({
     Bind<&Command::C_96>("Command.C_96", kContext),
     Bind<&Command::C_97>("Command.C_97", kContext),
     Bind<&Command::C_98>("Command.C_98", kContext),
-    // ---- Construction --------------------------------------------------------------------------------------------------
+    // Construction
     Bind<&Construction::MaxFlowNo>("Construction.MaxFlowNo", "FlowID"),
     Bind<&Construction::FlowNoExists>("Construction.FlowNoExists", "FlowID,FlowNo"),
     Bind<&Construction::GetParentNo>("Construction.GetParentNo", "FlowID,FlowNo"),
@@ -177,7 +177,7 @@ constexpr auto kOperations = std::to_array<Operation>({
                                    "FlowID,SelectName,IsMultiple,Size,Width,HaveSpace,VarSelected,JavaScriptStr"),
     Bind<&Construction::DisplayInputParameter>("Construction.DisplayInputParameter",
                                                "FlowID,DisplayFormat,ParameterStrSelected"),
-    // ---- InOut ---------------------------------------------------------------------------------------------------------
+    // InOut
     Bind<&InOut::MakeConstructionBak>("InOut.MakeConstructionBak", "FlowID"),
     Bind<&InOut::CreateTxt>("InOut.CreateTxt", "FileName,StrContent"),
     Bind<&InOut::CreatFlow>("InOut.CreatFlow", "FlowID,StrContent"),
@@ -187,7 +187,7 @@ constexpr auto kOperations = std::to_array<Operation>({
     Bind<&InOut::GetStepValue>("InOut.GetStepValue", "StrAll,BackLine,FlowNo,ParentNo,Serial,Remark,Command"),
     Bind<&InOut::GetFunctionValue>("InOut.GetFunctionValue", "StrAll,BackLine,InputTitle,OrderNo,Sort,ClassContent"),
     Bind<&InOut::IsFlowRemark>("InOut.IsFlowRemark", "StrValue"),
-    // ---- Name ----------------------------------------------------------------------------------------------------------
+    // Name
     Bind<&Name::FlowSave>("Name.FlowSave", "FlowID,FlowName,Creater,FlowInfStr"),
     Bind<&Name::FlowAdd>("Name.FlowAdd", "FlowName,Creater,FlowInfStr"),
     Bind<&Name::GetRs>("Name.GetRs", ""),
