@@ -1,5 +1,7 @@
 #include "design/catalogue.h"
 
+#include "design/definition_reader.h"
+#include "design/text_of.h"
 #include "talm_flow/text.h"
 
 namespace talm_flow::design {
@@ -74,6 +76,23 @@ std::int16_t Del(db::Session& session, const Value& flow_id) {
   session.Execute("Delete From WorkFlowConstruction Where FlowID=", flow_id);
   session.Execute("Delete From WorkFlowParameter Where FlowID=", flow_id);
   return 0;
+}
+
+std::int16_t FlowSave(db::Session& session, const Value& flow_id, const Value& flow_name, const Value& creater,
+                      const Value& definition) {
+  if (!FlowExists(session, flow_id)) return 1;
+  if (IsBlankName(flow_name)) return 2;
+  session.Execute("update WorkFlowName set FlowName=", Quoted(flow_name), ",Creater=", Quoted(creater),
+                  " where flowid=", flow_id);
+  return CreatFlow(session, flow_id, TextOf(definition).view()) == 0 ? 0 : 3;
+}
+
+std::int16_t FlowAdd(db::Session& session, const Value& flow_name, const Value& creater, const Value& definition) {
+  if (IsBlankName(flow_name)) return 1;
+  session.Execute("Insert Into WorkFlowName (FlowName, Creater) Values( ", Quoted(flow_name), ",", Quoted(creater),
+                  ")");
+  const Value flow_id = MaxFlowID(session);
+  return CreatFlow(session, flow_id, TextOf(definition).view()) == 0 ? 0 : 2;
 }
 
 }  // namespace talm_flow::design

@@ -24,4 +24,9 @@ namespace talm_flow::design {
                                   const Value& creater, const Value& remark);
 [[nodiscard]] std::int16_t Del(db::Session& session, const Value& flow_id);
 
+[[nodiscard]] std::int16_t FlowSave(db::Session& session, const Value& flow_id, const Value& flow_name,
+                                    const Value& creater, const Value& definition);
+[[nodiscard]] std::int16_t FlowAdd(db::Session& session, const Value& flow_name, const Value& creater,
+                                   const Value& definition);
+
 }  // namespace talm_flow::design
