@@ -8,7 +8,6 @@
 #include <unordered_set>
 #include <vector>
 
-
 namespace talm_flow::design {
 
 namespace {

@@ -73,9 +73,8 @@ class DefinitionReader {
     const auto [values, back] = GetFunctionValue(rest_);
     rest_ = back.value_or(rest_);
     session_.Execute("Insert Into WorkFlowFunctionInput (FlowID,InputTitle,OrderNo,Sort,ClassContent) Values( ",
-                     flow_id_, ",", Quoted(values[kInputTitle].value_or("")), ",",
-                     values[kOrderNo].value_or(kNoNumber), ",", values[kSort].value_or(kNoNumber), ",",
-                     Quoted(values[kClassContent].value_or("")), ")");
+                     flow_id_, ",", Quoted(values[kInputTitle].value_or("")), ",", values[kOrderNo].value_or(kNoNumber),
+                     ",", values[kSort].value_or(kNoNumber), ",", Quoted(values[kClassContent].value_or("")), ")");
   }
 
   /// Names the line of the text with which a value begins.

@@ -55,17 +55,27 @@ bool IsSeparateLine(std::string_view line) {
   if (line.empty()) return false;
   const auto begins = [line](const auto... keys) { return (line.starts_with(keys) || ...); };
   switch (line[0]) {
-    case '/': return begins("//");
-    case 'C': return BeginsWithParameterName(line) || begins("Command:", "ClassContent:");
+    case '/':
+      return begins("//");
+    case 'C':
+      return BeginsWithParameterName(line) || begins("Command:", "ClassContent:");
     case 'F':
-      return begins("FlowNo:", "FlowBegin", kFlowRemarkKey, "FlowEnd", "FunctionParameterBegin", "FunctionParameterEnd");
-    case 'I': return begins("InputTitle:");
-    case 'O': return begins("OrderNo:");
-    case 'P': return begins("ParentNo:", "ParameterBegin", "ParameterEnd");
-    case 'R': return begins("Remark:");
-    case 'S': return begins("StepBegin", "Serial:", "Sort:", "StepEnd");
-    case 'V': return begins("Ver:");
-    default: return false;
+      return begins("FlowNo:", "FlowBegin", kFlowRemarkKey, "FlowEnd", "FunctionParameterBegin",
+                    "FunctionParameterEnd");
+    case 'I':
+      return begins("InputTitle:");
+    case 'O':
+      return begins("OrderNo:");
+    case 'P':
+      return begins("ParentNo:", "ParameterBegin", "ParameterEnd");
+    case 'R':
+      return begins("Remark:");
+    case 'S':
+      return begins("StepBegin", "Serial:", "Sort:", "StepEnd");
+    case 'V':
+      return begins("Ver:");
+    default:
+      return false;
   }
 }
 

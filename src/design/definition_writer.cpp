@@ -66,8 +66,8 @@ class DefinitionWriter {
   }
 
   void WriteParameters(const Value& flow_no) {
-    const auto rows = session_.Open("select Top 10000 * from WorkFlowParameter where FlowID=", flow_id_,
-                                    " and FlowNo=", flow_no);
+    const auto rows =
+        session_.Open("select Top 10000 * from WorkFlowParameter where FlowID=", flow_id_, " and FlowNo=", flow_no);
     for (; db::Session::HasRow(*rows); rows->MoveNext()) {
       AppendJoined(text_, rows->Field("ParameterName"));
       Attribute(":", rows->Field("ParameterData"));

@@ -24,8 +24,8 @@ class Drawing {
   [[nodiscard]] std::string Take() { return std::move(out_); }
 
   void Box(const Value& flow_no) {
-    const auto rows = session_.Open("select Top 1 * from WorkFlowConstruction where flowid=", flow_id_,
-                                    " and flowno=", flow_no);
+    const auto rows =
+        session_.Open("select Top 1 * from WorkFlowConstruction where flowid=", flow_id_, " and flowno=", flow_no);
     if (!db::Session::HasRow(*rows)) return;
     const Value number = rows->Field("FlowNo");
     const Value parent = rows->Field("ParentNo");
@@ -85,8 +85,8 @@ class Drawing {
     Assign("ParentNo", parent);
     Assign("Remark", common.DisplayText(remark));
     Assign("Command", command);
-    const auto rows = session_.Open("select Top 10000 * from WorkFlowParameter where flowid=", flow_id_,
-                                    " and flowno=", flow_no);
+    const auto rows =
+        session_.Open("select Top 10000 * from WorkFlowParameter where flowid=", flow_id_, " and flowno=", flow_no);
     for (; db::Session::HasRow(*rows); rows->MoveNext()) {
       Assign(rows->Field("ParameterName"), common.DisplayText(rows->Field("ParameterData")));
     }

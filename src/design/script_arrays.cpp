@@ -81,8 +81,8 @@ class ScriptArrays {
   }
 
   void WriteParameters(const Value& flow_no) {
-    const auto rows = session_.Open("Select Top 10000 * From WorkFlowParameter Where FlowID=", flow_id_,
-                                    " And FlowNo=", flow_no);
+    const auto rows =
+        session_.Open("Select Top 10000 * From WorkFlowParameter Where FlowID=", flow_id_, " And FlowNo=", flow_no);
     for (; db::Session::HasRow(*rows); rows->MoveNext()) {
       out_ += "FlowCommandPerParameterArr=new Array();";
       AssignText("FlowCommandPerParameterArr[0]", rows->Field("ParameterName"));
@@ -106,8 +106,6 @@ class ScriptArrays {
 
 }  // namespace
 
-std::string CreateFlowArr(db::Session& session, const Value& flow_id) {
-  return ScriptArrays(session, flow_id).Write();
-}
+std::string CreateFlowArr(db::Session& session, const Value& flow_id) { return ScriptArrays(session, flow_id).Write(); }
 
 }  // namespace talm_flow::design
