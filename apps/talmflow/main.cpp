@@ -39,6 +39,12 @@ int Run(int argc, char** argv) {
   AddGlobalOptions(app, options);
   Subcommands subcommands;
   AddDatabaseSubcommands(app, subcommands);
+  AddFormSubcommands(app, subcommands);
+  AddRecordSubcommands(app, subcommands);
+  AddTransferSubcommands(app, subcommands);
+  AddCatalogueSubcommands(app, subcommands);
+  AddRunSubcommands(app, subcommands);
+  AddListSubcommands(app, subcommands);
   AddLateBoundSubcommands(app, subcommands);
   try {
     app.parse(argc, argv);
