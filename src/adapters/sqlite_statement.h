@@ -1,0 +1,76 @@
+#pragma once
+
+/// Prepared statements of the embedded engine.
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adapters/rewriter.h"
+#include "talm_flow/error.h"
+#include "talm_flow/value.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace talm_flow::adapters {
+
+struct SqliteStatementDeleter {
+  void operator()(sqlite3_stmt* statement) const;
+};
+
+/// The names of a query's columns.
+struct SqliteColumns {
+  std::vector<std::string> names;
+
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  /// In any case (ASCII). `kNone` when there is no such column.
+  [[nodiscard]] std::size_t Find(std::string_view name) const;
+};
+
+/// One prepared statement, and what its parameters are bound to.
+struct SqliteHandle {
+  std::unique_ptr<sqlite3_stmt, SqliteStatementDeleter> statement;
+  std::string text;           ///< the statement text when it is kept, then texts without their doubled quotes
+  std::size_t text_size = 0;  ///< of the statement text alone
+  int repreparations = 0;     ///< how often the engine has prepared it anew, because the schema changed
+};
+
+/// Everything known of a shape. Several row sets of one shape may be open at once, each with a handle of its own.
+struct SqliteShape {
+  Rewritten rewritten;
+  std::vector<std::unique_ptr<SqliteHandle>> idle;
+  std::shared_ptr<const SqliteColumns> columns;  // null for a statement without a result
+};
+
+/// Who keeps the text while a statement runs.
+enum class TextKeeper {
+  kCaller,  ///< the statement ends before the text does
+  kHandle,  ///< the statement runs on: the handle takes a copy
+};
+
+/// Binds the literals of `text` as what they would have been inside it. Nothing is copied twice, and no memory is asked
+/// for once the handle's buffer has grown.
+void BindLiterals(SqliteHandle& handle, std::string_view text, const std::vector<Literal>& literals, TextKeeper keeper);
+
+/// Binds a value to the parameter `number` (from 1); texts are copied.
+void BindValue(sqlite3_stmt* statement, int number, const Value& value);
+void BindBinary(sqlite3_stmt* statement, int number, std::string_view bytes);
+
+/// A field of the current row; binary content as a text of its bytes.
+[[nodiscard]] Value ColumnValue(sqlite3_stmt* statement, std::size_t column);
+
+[[nodiscard]] std::shared_ptr<const SqliteColumns> ColumnsOf(sqlite3_stmt* statement);
+
+/// How often the engine prepared the statement anew by itself.
+[[nodiscard]] int RepreparationsOf(sqlite3_stmt* statement);
+
+/// The text with its literals where the marks stand.
+[[nodiscard]] std::string WithLiterals(const Rewritten& rewritten, const std::vector<Literal>& literals);
+
+/// The engine's last error.
+[[nodiscard]] DatabaseError ErrorOf(sqlite3* database, std::string_view text);
+
+}  // namespace talm_flow::adapters
