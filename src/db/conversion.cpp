@@ -114,13 +114,11 @@ std::optional<double> Magnitude(const NumberShape& shape, std::string_view text)
 }
 
 std::optional<double> MagnitudeWithoutCommas(const NumberShape& shape) {
-  const auto collect = [&shape](auto& out) {
-    for (const char c : shape.unsigned_text) {
-      if (c != ',') out.push_back(c);
-    }
-  };
   std::string digits;
-  collect(digits);
+  digits.reserve(shape.unsigned_text.size());
+  for (const char c : shape.unsigned_text) {
+    if (c != ',') digits += c;
+  }
   return Magnitude(shape, digits);
 }
 

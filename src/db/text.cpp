@@ -33,36 +33,44 @@ std::size_t NextCharacter(std::string_view text, std::size_t at) {
   return IsAscii(text[at]) ? at + 1 : at + CharacterSize(text, at);
 }
 
-utf8proc_int32_t LowerCodePoint(utf8proc_int32_t code_point) { return utf8proc_tolower(code_point); }
+struct LowerMapping {
+  static constexpr char Ascii(char c) { return LowerAscii(c); }
+  static utf8proc_int32_t CodePoint(utf8proc_int32_t code_point) { return utf8proc_tolower(code_point); }
+};
 
-utf8proc_int32_t UpperCodePoint(utf8proc_int32_t code_point) {
-  // The library maps the sharp s to its capital letter; the standard's one-to-one mapping leaves it as it is.
-  constexpr utf8proc_int32_t kSharpS = 0xDF;
-  return code_point == kSharpS ? code_point : utf8proc_toupper(code_point);
-}
+struct UpperMapping {
+  static constexpr char Ascii(char c) { return UpperAscii(c); }
+  static utf8proc_int32_t CodePoint(utf8proc_int32_t code_point) {
+    // The library maps the sharp s to its capital letter; the standard's one-to-one mapping leaves it as it is.
+    constexpr utf8proc_int32_t kSharpS = 0xDF;
+    return code_point == kSharpS ? code_point : utf8proc_toupper(code_point);
+  }
+};
 
-void AppendMapped(std::string& out, std::string_view character, utf8proc_int32_t (*map)(utf8proc_int32_t)) {
+template <typename Mapping>
+void AppendMapped(std::string& out, std::string_view character) {
   utf8proc_int32_t code_point = 0;
   const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(character.data());
   (void)utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(character.size()), &code_point);
   utf8proc_uint8_t encoded[4];
-  const auto size = static_cast<std::size_t>(utf8proc_encode_char(map(code_point), encoded));
+  const auto size = static_cast<std::size_t>(utf8proc_encode_char(Mapping::CodePoint(code_point), encoded));
   out.append(reinterpret_cast<const char*>(encoded), size);
 }
 
-std::string Mapped(std::string_view text, char (*map_ascii)(char), utf8proc_int32_t (*map)(utf8proc_int32_t)) {
-  std::string out;
+template <typename Mapping>
+std::string Mapped(std::string_view text) {
+  // Most texts are ASCII throughout: they are mapped in place, in one go.
+  const auto ascii_end = std::ranges::find_if_not(text, IsAscii);
+  std::string out(text.begin(), ascii_end);
+  std::ranges::transform(out, out.begin(), Mapping::Ascii);
+  if (ascii_end == text.end()) return out;
   out.reserve(text.size());
-  for (std::size_t at = 0; at < text.size();) {
-    if (IsAscii(text[at])) {
-      out += map_ascii(text[at++]);
-      continue;
-    }
+  for (std::size_t at = out.size(); at < text.size();) {
     const std::size_t size = CharacterSize(text, at);
     if (size == 1) {
-      out += text[at];
+      out += Mapping::Ascii(text[at]);
     } else {
-      AppendMapped(out, text.substr(at, size), map);
+      AppendMapped<Mapping>(out, text.substr(at, size));
     }
     at += size;
   }
@@ -117,9 +125,9 @@ std::string ReplaceAll(std::string_view text, std::string_view sought, std::stri
   }
 }
 
-std::string LowerCase(std::string_view text) { return Mapped(text, LowerAscii, LowerCodePoint); }
+std::string LowerCase(std::string_view text) { return Mapped<LowerMapping>(text); }
 
-std::string UpperCase(std::string_view text) { return Mapped(text, UpperAscii, UpperCodePoint); }
+std::string UpperCase(std::string_view text) { return Mapped<UpperMapping>(text); }
 
 bool EqualIgnoringAsciiCase(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, {}, LowerAscii, LowerAscii);
