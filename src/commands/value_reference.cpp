@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "commands/handlers.h"
+#include "commands/inputs.h"
 #include "commands/value.h"
 #include "db/reference.h"
 #include "expr/evaluator.h"
@@ -74,30 +75,15 @@ Outcome WriteOtherRecord(Step& step, std::int32_t kind) {
   return Outcome::Done();
 }
 
-std::optional<std::string> TableOfRecord(const Step&, std::string value) {
-  const auto record = db::SeparateTableIDAndDataID(value);
-  if (!record) return std::nullopt;
-  return NumberedText("TableID:", record->table_id);
-}
+std::string TableTextOf(const db::RecordReference& record) { return NumberedText("TableID:", record.table_id); }
+std::string RecordTextOf(const db::RecordReference& record) { return record.Text(); }
 
-std::optional<std::string> Record(const Step&, std::string value) {
-  const auto record = db::SeparateTableIDAndDataID(value);
-  if (!record) return std::nullopt;
-  return record->Text();
-}
-
-std::optional<std::string> AcceptedRecord(const Step& step, std::string value) {
-  const auto record = db::SeparateTableIDAndDataID(value);
-  if (!record || !step.host().records.AcceptsRecord(step.connection(), record->table_id, record->data_id)) {
-    return std::nullopt;
-  }
-  return record->Text();
-}
-
-std::optional<std::string> AcceptedTable(const Step& step, std::string value) {
-  const auto table_id = db::SeparateTableID(value);
-  if (!table_id || !step.host().tables.AcceptTable(step.connection(), *table_id)) return std::nullopt;
-  return NumberedText("TableID:", *table_id);
+/// Writes the record that parameter 2 names, read as `read` takes it, in the form that `text` gives.
+Outcome WriteRecord(Step& step, std::optional<db::RecordReference> (*read)(const Step&, int),
+                    std::string (*text)(const db::RecordReference&)) {
+  const std::string target = step.Stored(1);
+  if (const auto record = read(step, 2)) step.StoreVariable(target, text(*record));
+  return Outcome::Done();
 }
 
 std::optional<std::string> InputUnit(const Step& step, std::string value) {
@@ -128,37 +114,39 @@ Outcome C_32(Step& step) {
   return Outcome::Done();
 }
 
-Outcome C_33(Step& step) {
-  return WriteLatestApproval(
-      step, [](const db::RecordReference& record) { return NumberedText("TableID:", record.table_id); });
-}
-
-Outcome C_34(Step& step) {
-  return WriteLatestApproval(step, [](const db::RecordReference& record) { return record.Text(); });
-}
+Outcome C_33(Step& step) { return WriteLatestApproval(step, TableTextOf); }
+Outcome C_34(Step& step) { return WriteLatestApproval(step, RecordTextOf); }
 
 Outcome C_35(Step& step) { return WriteOtherTable(step, 1); }
 Outcome C_36(Step& step) { return WriteOtherRecord(step, 1); }
 Outcome C_37(Step& step) { return WriteOtherTable(step, 3); }
 Outcome C_38(Step& step) { return WriteOtherRecord(step, 3); }
 
-Outcome C_45(Step& step) { return WriteComputed(step, TableOfRecord); }
-Outcome C_46(Step& step) { return WriteComputed(step, Record); }
+Outcome C_45(Step& step) { return WriteRecord(step, Record, TableTextOf); }
+Outcome C_46(Step& step) { return WriteRecord(step, Record, RecordTextOf); }
 
 Outcome C_47(Step& step) {
   const std::string target = step.Stored(1);
-  const auto record = db::SeparateTableIDAndDataID(step.Evaluated(2));
-  const auto code = db::SeparateInUnitID(step.Evaluated(3), step.host().common);
-  if (!record || !code) return Outcome::Done();
-  if (!step.host().records.AcceptsRecord(step.connection(), record->table_id, record->data_id)) return Outcome::Done();
-  const auto unit = step.host().forms.FindUnit(step.connection(), record->table_id, *code);
-  if (!unit) return Outcome::Done();
-  step.StoreVariable(target, step.host().forms.UnitValue(step.connection(), record->table_id, record->data_id, *unit));
+  const auto record = AcceptedRecord(step, 2);
+  const std::string unit_name = step.Evaluated(3);
+  if (!record) return Outcome::Done();
+  if (const auto unit = FindUnit(step, record->table_id, unit_name)) {
+    step.StoreVariable(target,
+                       step.host().forms.UnitValue(step.connection(), record->table_id, record->data_id, *unit));
+  }
   return Outcome::Done();
 }
 
-Outcome C_49(Step& step) { return WriteComputed(step, AcceptedRecord); }
-Outcome C_50(Step& step) { return WriteComputed(step, AcceptedTable); }
+Outcome C_49(Step& step) { return WriteRecord(step, AcceptedRecord, RecordTextOf); }
+
+Outcome C_50(Step& step) {
+  const std::string target = step.Stored(1);
+  if (const auto table_id = AcceptedTable(step, 2)) {
+    step.StoreVariable(target, NumberedText("TableID:", *table_id));
+  }
+  return Outcome::Done();
+}
+
 Outcome C_51(Step& step) { return WriteComputed(step, InputUnit); }
 Outcome C_52(Step& step) { return WriteComputed(step, File); }
 Outcome C_53(Step& step) { return WriteComputed(step, Picture); }

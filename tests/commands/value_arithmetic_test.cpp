@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(RoundedNumbers, ArithmeticTest,
 class ArithmeticTraceTest : public ValueCommandTest {};
 
 TEST_F(ArithmeticTraceTest, EachOperandIsEvaluatedAsItIsRead) {
-  Run(kArithmetic, {"n", "*", "n+1", "target"});
+  RunStep(kArithmetic, {"n", "*", "n+1", "target"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kArithmetic, 1), ReadingOf("n"), ReadingOf(kArithmetic, 2),
                                    ReadingOf(kArithmetic, 3), ReadingOf("n"), ReadingOf(kArithmetic, 4),
                                    ReadingOf("target"), InsertingOf("target", "30")));
@@ -91,7 +91,7 @@ TEST_F(ArithmeticTraceTest, EachOperandIsEvaluatedAsItIsRead) {
 
 TEST_F(ArithmeticTraceTest, ADivisionByZeroLeavesTheTargetUnchanged) {
   Given("target", "old");
-  Run(kArithmetic, {"7", "/", "0", "target"});
+  RunStep(kArithmetic, {"7", "/", "0", "target"});
   EXPECT_EQ(Variable(), "old");
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kArithmetic, 1), ReadingOf(kArithmetic, 2), ReadingOf(kArithmetic, 3),
                                    ReadingOf(kArithmetic, 4)));
@@ -100,7 +100,7 @@ TEST_F(ArithmeticTraceTest, ADivisionByZeroLeavesTheTargetUnchanged) {
 TEST_F(ArithmeticTraceTest, ANumberOutOfRangeRaisesOverflow) {
   for (const Texts& parameters : {Texts{"1E308", "*", "10", "target"}, Texts{"moment", "+", "3000000000", "target"},
                                   Texts{"moment", "-", "99999999", "target"}}) {
-    EXPECT_THROW(Run(kArithmetic, parameters), OverflowError) << parameters[0] << parameters[1] << parameters[2];
+    EXPECT_THROW(RunStep(kArithmetic, parameters), OverflowError) << parameters[0] << parameters[1] << parameters[2];
     EXPECT_EQ(Variable(), std::nullopt);
   }
 }

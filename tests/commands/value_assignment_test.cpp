@@ -55,7 +55,7 @@ class AssignmentTraceTest : public ValueCommandTest {};
 
 TEST_F(AssignmentTraceTest, ATextAsStoredIsReadAndWritten) {
   const Operation operation{22, &Command::C_22};
-  Run(operation, {"target", "n+1"});
+  RunStep(operation, {"target", "n+1"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(operation, 1), ReadingOf(operation, 2), ReadingOf("target"),
                                    InsertingOf("target", "n+1")));
 }
@@ -63,7 +63,7 @@ TEST_F(AssignmentTraceTest, ATextAsStoredIsReadAndWritten) {
 TEST_F(AssignmentTraceTest, AnExpressionIsEvaluatedBetweenReadingAndWriting) {
   const Operation operation{39, &Command::C_39};
   Given("target", "old");
-  Run(operation, {"target", "n+1"});
+  RunStep(operation, {"target", "n+1"});
   EXPECT_THAT(trace(),
               ElementsAre(ReadingOf(operation, 1), ReadingOf(operation, 2), ReadingOf("n"), ReadingOf("target"),
                           "Update WorkFlowVariable set VariableValue='6' Where VariableName='target' And "
@@ -73,7 +73,7 @@ TEST_F(AssignmentTraceTest, AnExpressionIsEvaluatedBetweenReadingAndWriting) {
 TEST_F(AssignmentTraceTest, AValueThatIsNotNumericEndsTheCommandBeforeTheVariableIsLookedAt) {
   const Operation operation{55, &Command::C_55};
   Given("target", "old");
-  Run(operation, {"target", "text"});
+  RunStep(operation, {"target", "text"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(operation, 1), ReadingOf(operation, 2), ReadingOf("text")));
   EXPECT_EQ(Variable(), "old");
 }
@@ -81,15 +81,15 @@ TEST_F(AssignmentTraceTest, AValueThatIsNotNumericEndsTheCommandBeforeTheVariabl
 TEST_F(AssignmentTraceTest, AnArgumentOfTheCallIsWrittenAsItIs) {
   const Operation operation{62, &Command::C_62};
   call().operator_name = "O'Brien + 1";
-  Run(operation, {"target"});
+  RunStep(operation, {"target"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(operation, 1), ReadingOf("target"), InsertingOf("target", "O'Brien + 1")));
 }
 
 TEST_F(AssignmentTraceTest, AMissingArgumentIsTheEmptyText) {
   call().operator_name = Value();
   call().ip_address = Value();
-  Run({62, &Command::C_62}, {"target"});
-  Run({63, &Command::C_63}, {"address"});
+  RunStep({62, &Command::C_62}, {"target"});
+  RunStep({63, &Command::C_63}, {"address"});
   EXPECT_EQ(Variable(), "");
   EXPECT_EQ(Variable("address"), "");
 }
@@ -97,20 +97,20 @@ TEST_F(AssignmentTraceTest, AMissingArgumentIsTheEmptyText) {
 TEST_F(AssignmentTraceTest, TheTargetsNameSelectsTheScope) {
   const Operation operation{22, &Command::C_22};
   call().execute_id = 902;
-  Run(operation, {"Private_x", "mine"});
-  Run(operation, {"Global_x", "everybody's"});
+  RunStep(operation, {"Private_x", "mine"});
+  RunStep(operation, {"Global_x", "everybody's"});
   EXPECT_THAT(world().Rows("Select RootExecuteID,ExecuteID,VariableName,VariableValue From WorkFlowVariable Where "
                            "VariableName Like '%_x'"),
               ElementsAre("901|902|Private_x|mine", "0|0|Global_x|everybody's"));
 }
 
 TEST_F(AssignmentTraceTest, AStepWithoutParametersWritesTheNamelessVariable) {
-  Run({22, &Command::C_22}, {});
+  RunStep({22, &Command::C_22}, {});
   EXPECT_EQ(Variable(""), "");
 }
 
 TEST_F(AssignmentTraceTest, AnExpressionWithTooManyTokensEndsTheCommand) {
-  EXPECT_THROW(Run({39, &Command::C_39}, {"target", std::string(102, '+')}), SubscriptError);
+  EXPECT_THROW(RunStep({39, &Command::C_39}, {"target", std::string(102, '+')}), SubscriptError);
   EXPECT_EQ(Variable(), std::nullopt);
 }
 

@@ -42,12 +42,12 @@ inline void PrintTo(const ValueCase& value_case, std::ostream* out) {
 }
 
 /// The same command with several parameter lists.
-struct Run {
+struct OneRun {
   Texts parameters;
   std::optional<std::string_view> written;
 };
 [[nodiscard]] inline std::vector<ValueCase> Runs(const std::vector<Operation>& operations,
-                                                 const std::vector<test::Run>& runs) {
+                                                 const std::vector<OneRun>& runs) {
   std::vector<ValueCase> cases;
   for (const auto& operation : operations) {
     for (const auto& run : runs) cases.push_back({operation, run.parameters, run.written});
@@ -102,7 +102,7 @@ class ValueCommands {
   void Call(const Operation& operation) { Call(operation, world_.connection()); }
 
   /// Stores the parameters and runs the command.
-  void Run(const Operation& operation, const Texts& parameters) {
+  void RunStep(const Operation& operation, const Texts& parameters) {
     GiveParameters(operation, parameters);
     Call(operation);
   }
@@ -150,7 +150,7 @@ class ValueCaseTest : public ::testing::TestWithParam<ValueCase>, protected Valu
  protected:
   void ExpectWritten() {
     const auto& [operation, parameters, written] = GetParam();
-    Run(operation, parameters);
+    RunStep(operation, parameters);
     EXPECT_EQ(Variable(), written);
   }
 };

@@ -102,7 +102,7 @@ TEST_P(EveryValueCommandTest, OverwritesWhatTheVariableHeld) {
 
 TEST_P(EveryValueCommandTest, ReadsEachParameterOnceInOrder) {
   const auto& [operation, parameters, written] = GetParam();
-  Run(operation, parameters);
+  RunStep(operation, parameters);
   std::vector<std::string> read;
   for (const auto& statement : trace()) {
     if (statement.starts_with("Select Top 1 ParameterData")) read.push_back(statement);
@@ -114,7 +114,7 @@ TEST_P(EveryValueCommandTest, ReadsEachParameterOnceInOrder) {
 
 TEST_P(EveryValueCommandTest, WritesWithTheLastTwoStatements) {
   const auto& [operation, parameters, written] = GetParam();
-  Run(operation, parameters);
+  RunStep(operation, parameters);
   ASSERT_GE(trace().size(), 2U);
   EXPECT_EQ(trace()[trace().size() - 2], ReadingOf("target"));
   EXPECT_EQ(trace().back(), InsertingOf("target", *written));
@@ -126,7 +126,7 @@ TEST_P(EveryValueCommandTest, TakesTheTargetsNameAsItIsStored) {
   for (auto& text : parameters) {
     if (text == "target") text = kName;
   }
-  Run(operation, parameters);
+  RunStep(operation, parameters);
   EXPECT_EQ(Variable(kName), written);
 }
 
@@ -158,7 +158,7 @@ TEST_P(EveryValueCommandTest, CannotTakeNullForAParameter) {
 TEST_P(EveryValueCommandTest, LeavesTheValuesOfItsCallAlone) {
   const auto& [operation, parameters, written] = GetParam();
   const Invocation before = call();
-  Run(operation, parameters);
+  RunStep(operation, parameters);
   EXPECT_EQ(call().execute_id, before.execute_id);
   EXPECT_EQ(call().flow_no, before.flow_no);
   EXPECT_EQ(call().root_execute_id, before.root_execute_id);
@@ -170,7 +170,7 @@ TEST_P(EveryValueCommandTest, LeavesTheValuesOfItsCallAlone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, EveryValueCommandTest, ::testing::ValuesIn(EveryCommand()),
-                         [](const auto& info) { return "C_" + std::to_string(info.param.operation.number); });
+                         [](const auto& suite) { return "C_" + std::to_string(suite.param.operation.number); });
 
 }  // namespace
 }  // namespace talm_flow::test

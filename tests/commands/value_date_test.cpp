@@ -58,20 +58,20 @@ class DateTraceTest : public ValueCommandTest {};
 
 TEST_F(DateTraceTest, TheClockIsNoStatement) {
   const Operation operation{60, &Command::C_60};
-  Run(operation, {"target"});
+  RunStep(operation, {"target"});
   EXPECT_THAT(trace(),
               ElementsAre(ReadingOf(operation, 1), ReadingOf("target"), InsertingOf("target", "2026/1/31 9:05:00")));
 }
 
 TEST_F(DateTraceTest, APartIsReadEvaluatedAndWritten) {
-  Run(kMonth, {"moment", "target"});
+  RunStep(kMonth, {"moment", "target"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kMonth, 1), ReadingOf("moment"), ReadingOf(kMonth, 2), ReadingOf("target"),
                                    InsertingOf("target", "1")));
 }
 
 TEST_F(DateTraceTest, AWeekdayOfNoDateLeavesTheTargetUnchanged) {
   Given("target", "old");
-  Run(kWeekday, {"n", "target"});
+  RunStep(kWeekday, {"n", "target"});
   EXPECT_EQ(Variable(), "old");
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kWeekday, 1), ReadingOf("n"), ReadingOf(kWeekday, 2)));
 }

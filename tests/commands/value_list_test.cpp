@@ -82,14 +82,14 @@ INSTANTIATE_TEST_SUITE_P(CommaItems, ListTest,
 class ListTraceTest : public ValueCommandTest {};
 
 TEST_F(ListTraceTest, ASeparatorThatIsGivenIsEvaluated) {
-  Run(kItem, {"text", "n", "2", "target"});
+  RunStep(kItem, {"text", "n", "2", "target"});
   EXPECT_THAT(trace(),
               ElementsAre(ReadingOf(kItem, 1), ReadingOf("text"), ReadingOf(kItem, 2), ReadingOf("n"),
                           ReadingOf(kItem, 3), ReadingOf(kItem, 4), ReadingOf("target"), InsertingOf("target", "")));
 }
 
 TEST_F(ListTraceTest, ACommaIsNotEvaluatedAndAPositionOnlyWhenItIsNoNumber) {
-  Run(kItem, {"text", ",", "n", "target"});
+  RunStep(kItem, {"text", ",", "n", "target"});
   EXPECT_THAT(trace(),
               ElementsAre(ReadingOf(kItem, 1), ReadingOf("text"), ReadingOf(kItem, 2), ReadingOf(kItem, 3),
                           ReadingOf("n"), ReadingOf(kItem, 4), ReadingOf("target"), InsertingOf("target", "")));
@@ -97,8 +97,8 @@ TEST_F(ListTraceTest, ACommaIsNotEvaluatedAndAPositionOnlyWhenItIsNoNumber) {
 
 TEST_F(ListTraceTest, APositionBeyond32BitsRaisesOverflow) {
   for (const std::string_view position : {"2147483648", "-2147483648", "\"-2147483648\"", "1E300"}) {
-    EXPECT_THROW(Run(kItem, {"text", "", position, "target"}), OverflowError) << position;
-    EXPECT_THROW(Run(kCommaItem, {"text", position, "target"}), OverflowError) << position;
+    EXPECT_THROW(RunStep(kItem, {"text", "", position, "target"}), OverflowError) << position;
+    EXPECT_THROW(RunStep(kCommaItem, {"text", position, "target"}), OverflowError) << position;
   }
   EXPECT_EQ(Variable(), std::nullopt);
 }
@@ -106,7 +106,7 @@ TEST_F(ListTraceTest, APositionBeyond32BitsRaisesOverflow) {
 TEST_F(ListTraceTest, GroupsStandForTheirMembers) {
   world().Run("Insert Into UserGroup (GroupName,UserName) Values ('sales','李雷')");
   world().Run("Insert Into UserGroup (GroupName,UserName) Values ('sales','O''Brien')");
-  Run(kNames, {"target", "\"@sales,李雷\""});
+  RunStep(kNames, {"target", "\"@sales,李雷\""});
   EXPECT_EQ(Variable(), "李雷,O'Brien");
 }
 

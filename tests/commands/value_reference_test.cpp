@@ -27,7 +27,7 @@ class ReferenceTest : public ValueCaseTest {};
 TEST_P(ReferenceTest, WritesTheReference) { ExpectWritten(); }
 
 /// What no reference of a record is.
-const std::vector<test::Run> kNoRecords = {
+const std::vector<OneRun> kNoRecords = {
     {{"target", "text"}, std::nullopt},
     {{"target", "empty"}, std::nullopt},
     {{"target"}, std::nullopt},
@@ -124,31 +124,31 @@ class ReferenceCommandTest : public ValueCommandTest {};
 
 TEST_F(ReferenceCommandTest, ATableNumberBeyond16BitsRaisesOverflow) {
   for (const auto& operation : {kTableOfRecord, kRecord, kAcceptedRecord}) {
-    EXPECT_THROW(Run(operation, {"target", "\"TableID:40000,DataID:5\""}), OverflowError);
+    EXPECT_THROW(RunStep(operation, {"target", "\"TableID:40000,DataID:5\""}), OverflowError);
   }
-  EXPECT_THROW(Run(kUnitValue, {"target", "\"TableID:40000,DataID:5\"", "\"Title\""}), OverflowError);
+  EXPECT_THROW(RunStep(kUnitValue, {"target", "\"TableID:40000,DataID:5\"", "\"Title\""}), OverflowError);
   EXPECT_EQ(Variable(), std::nullopt);
 }
 
 TEST_F(ReferenceCommandTest, TheDocumentIsJoinedAsGiven) {
   call().table_id = "012";
   call().data_id = Value();
-  Run(kDocument, {"record"});
-  Run(kDocumentTable, {"table"});
+  RunStep(kDocument, {"record"});
+  RunStep(kDocumentTable, {"table"});
   EXPECT_EQ(Variable("record"), "TableID:012,DataID:");
   EXPECT_EQ(Variable("table"), "TableID:012");
 }
 
 TEST_F(ReferenceCommandTest, AReferenceIsReadEvaluatedAndWritten) {
   Given("reference", "dataid:345,tableid:12");
-  Run(kRecord, {"target", "reference"});
+  RunStep(kRecord, {"target", "reference"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kRecord, 1), ReadingOf(kRecord, 2), ReadingOf("reference"),
                                    ReadingOf("target"), InsertingOf("target", "TableID:12,DataID:345")));
 }
 
 TEST_F(ReferenceCommandTest, AValueThatIsNoReferenceLeavesTheTargetUnchanged) {
   Given("target", "old");
-  Run(kRecord, {"target", "text"});
+  RunStep(kRecord, {"target", "text"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kRecord, 1), ReadingOf(kRecord, 2), ReadingOf("text")));
   EXPECT_EQ(Variable(), "old");
 }
@@ -158,20 +158,20 @@ TEST_F(ReferenceCommandTest, FilesAndPicturesAreGivenByTheirReferences) {
   world().Run("Insert Into TableFile (ID,TableID,DataID,InUnitID) Values (4,12,345,'Files')");
   world().Run("Insert Into TablePicData (TablePicDataID,TableID,DataID,InUnitID) Values (5,12,345,'Sign')");
   world().Run("Insert Into TablePicData (TablePicDataID,TableID,DataID,InUnitID) Values (6,12,345,'Sign')");
-  Run(kUnitValue, {"files", "DataID_Submit", "\"Files\""});
-  Run(kUnitValue, {"picture", "DataID_Submit", "\"Sign\""});
+  RunStep(kUnitValue, {"files", "DataID_Submit", "\"Files\""});
+  RunStep(kUnitValue, {"picture", "DataID_Submit", "\"Sign\""});
   EXPECT_EQ(Variable("files"), "fileid:3,fileid:4");
   EXPECT_EQ(Variable("picture"), "tablepicdataid:6");
 }
 
 TEST_F(ReferenceCommandTest, AUnitThatHoldsNullGivesTheEmptyText) {
   world().Run("Update TableData12 set Title=NULL Where ID=345");
-  Run(kUnitValue, {"target", "DataID_Submit", "\"Title\""});
+  RunStep(kUnitValue, {"target", "DataID_Submit", "\"Title\""});
   EXPECT_EQ(Variable(), "");
 }
 
 TEST_F(ReferenceCommandTest, AUnitIsEvaluatedEvenWhenTheRecordDoesNotFit) {
-  Run(kUnitValue, {"target", "text", "n"});
+  RunStep(kUnitValue, {"target", "text", "n"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kUnitValue, 1), ReadingOf(kUnitValue, 2), ReadingOf("text"),
                                    ReadingOf(kUnitValue, 3), ReadingOf("n")));
 }
@@ -186,7 +186,7 @@ constexpr std::string_view kApprovals =
 TEST_F(ReferenceCommandTest, WithoutAnApprovalFormRecordNothingIsWritten) {
   for (const auto& operation : {kLatestTable, kLatestRecord}) {
     world().ForgetTrace();
-    Run(operation, {"target"});
+    RunStep(operation, {"target"});
     EXPECT_THAT(trace(), ElementsAre(ReadingOf(operation, 1), kApprovals));
     EXPECT_EQ(Variable(), std::nullopt);
   }
@@ -196,7 +196,7 @@ TEST_F(ReferenceCommandTest, TheLatestApprovalFormRecordIsFoundBetweenReadingAnd
   world().Run("Insert Into WorkFlowExecuteID (ExecuteID,RootExecuteID) Values (950,901)");
   world().Run("Insert Into DataApp (ExecuteID,AppTableID,AppDataID) Values (950,12,345)");
   world().Run("Insert Into DataApp (ExecuteID,AppTableID,AppDataID) Values (950,21,8)");
-  Run(kLatestRecord, {"target"});
+  RunStep(kLatestRecord, {"target"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kLatestRecord, 1), kApprovals, ReadingOf("target"),
                                    InsertingOf("target", "TableID:12,DataID:345")));
 }
@@ -217,10 +217,10 @@ class OtherDocumentTest : public ::testing::TestWithParam<OtherCase>, protected 
 TEST_P(OtherDocumentTest, IsWrittenWhenTheHostAcceptsItInItsKind) {
   call().other_table_id = GetParam().table_id;
   call().other_data_id = GetParam().data_id;
-  Run(kOtherTable1, {"table1"});
-  Run(kOtherRecord1, {"record1"});
-  Run(kOtherTable3, {"table3"});
-  Run(kOtherRecord3, {"record3"});
+  RunStep(kOtherTable1, {"table1"});
+  RunStep(kOtherRecord1, {"record1"});
+  RunStep(kOtherTable3, {"table3"});
+  RunStep(kOtherRecord3, {"record3"});
   EXPECT_EQ(Variable("table1"), GetParam().table_of_kind_1);
   EXPECT_EQ(Variable("record1"), GetParam().record_of_kind_1);
   EXPECT_EQ(Variable("table3"), GetParam().table_of_kind_3);
@@ -242,7 +242,7 @@ INSTANTIATE_TEST_SUITE_P(
                       OtherCase{99, 8, {}, {}, {}, {}}));
 
 TEST_F(ReferenceCommandTest, TheHostsAnswersAreNoStatements) {
-  Run(kOtherRecord1, {"target"});
+  RunStep(kOtherRecord1, {"target"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kOtherRecord1, 1), ReadingOf("target"),
                                    InsertingOf("target", "TableID:21,DataID:8")));
 }

@@ -132,7 +132,7 @@ INSTANTIATE_TEST_SUITE_P(Positions, TextTest,
 class TextTraceTest : public ValueCommandTest {};
 
 TEST_F(TextTraceTest, EveryValueIsEvaluatedAsItIsRead) {
-  Run(kReplaced, {"text", "\",\"", "n", "n-4", "empty", "target"});
+  RunStep(kReplaced, {"text", "\",\"", "n", "n-4", "empty", "target"});
   EXPECT_THAT(trace(), ElementsAre(ReadingOf(kReplaced, 1), ReadingOf("text"), ReadingOf(kReplaced, 2),
                                    ReadingOf(kReplaced, 3), ReadingOf("n"), ReadingOf(kReplaced, 4), ReadingOf("n"),
                                    ReadingOf(kReplaced, 5), ReadingOf("empty"), ReadingOf(kReplaced, 6),
@@ -140,11 +140,11 @@ TEST_F(TextTraceTest, EveryValueIsEvaluatedAsItIsRead) {
 }
 
 TEST_F(TextTraceTest, APositionBeyond32BitsRaisesOverflow) {
-  EXPECT_THROW(Run(kReplaced, {"text", "\"a\"", "\"b\"", "2147483648", "", "target"}), OverflowError);
-  EXPECT_THROW(Run(kReplaced, {"text", "\"a\"", "\"b\"", "", "2147483648", "target"}), OverflowError);
-  EXPECT_THROW(Run(kPiece, {"text", "2147483648", "", "target"}), OverflowError);
-  EXPECT_THROW(Run(kPiece, {"text", "", "2147483648", "target"}), OverflowError);
-  EXPECT_THROW(Run(kPosition, {"text", "\"a\"", "2147483648", "target"}), OverflowError);
+  EXPECT_THROW(RunStep(kReplaced, {"text", "\"a\"", "\"b\"", "2147483648", "", "target"}), OverflowError);
+  EXPECT_THROW(RunStep(kReplaced, {"text", "\"a\"", "\"b\"", "", "2147483648", "target"}), OverflowError);
+  EXPECT_THROW(RunStep(kPiece, {"text", "2147483648", "", "target"}), OverflowError);
+  EXPECT_THROW(RunStep(kPiece, {"text", "", "2147483648", "target"}), OverflowError);
+  EXPECT_THROW(RunStep(kPosition, {"text", "\"a\"", "2147483648", "target"}), OverflowError);
   EXPECT_EQ(Variable(), std::nullopt);
 }
 
