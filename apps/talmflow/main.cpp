@@ -14,7 +14,7 @@ constexpr int kWrongUsage = 2;
 
 void AddGlobalOptions(CLI::App& app, GlobalOptions& options) {
   app.add_option("--db", options.db, "The database: sqlite:PATH or sqlite::memory:")
-      ->envname("TALM_FLOW_DB")
+      ->envname("TALMFLOW_DB")
       ->capture_default_str();
   app.add_flag("--json", options.json, "Print results as JSON");
   app.add_flag("--trace", options.trace, "Print each statement of the component on standard error");
