@@ -1,0 +1,39 @@
+#pragma once
+
+/// What the tests of the design side share: a world, the three classes on it, and short ways to store definitions.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+#include "support/world.h"
+#include "talm_flow/construction.h"
+#include "talm_flow/error.h"
+#include "talm_flow/in_out.h"
+#include "talm_flow/name.h"
+
+namespace talm_flow::test {
+
+class DesignTest : public ::testing::Test {
+ protected:
+  void Flow(int flow_id, std::string_view flow_name, std::string_view creater = "", std::string_view remark = "") {
+    world.Run("Insert Into WorkFlowName (FlowID,FlowName,Creater,Remark) Values (" + std::to_string(flow_id) + "," +
+              Literal(flow_name) + "," + Literal(creater) + "," + Literal(remark) + ")");
+  }
+
+  void Input(int flow_id, std::string_view title, int order_no, int sort, std::string_view content) {
+    world.Run("Insert Into WorkFlowFunctionInput (FlowID,InputTitle,OrderNo,Sort,ClassContent) Values (" +
+              std::to_string(flow_id) + "," + Literal(title) + "," + std::to_string(order_no) + "," +
+              std::to_string(sort) + "," + Literal(content) + ")");
+  }
+
+  World world;
+  Connection& db = world.connection();
+  Construction construction{world.services()};
+  InOut in_out{world.services()};
+  Name name{world.services()};
+};
+
+}  // namespace talm_flow::test
