@@ -68,14 +68,15 @@ TEST(SeparatorTest, EveryKeyBeginsASeparatorLineAndNoShorterTextDoes) {
 
 TEST(SeparatorTest, ParameterNamesOutsideTheFormatAreNoSeparators) {
   const PlainKeyList list;
-  for (int n = 0; n <= 120; ++n) {
-    for (int k = 0; k <= 20; ++k) {
-      for (const char* pattern : {"C_", "C_0", "c_", "C_-", "C_ "}) {
-        for (const char* end : {":", ":x", "", " :", "_1:"}) {
-          const std::string line = pattern + std::to_string(n) + "_" + std::to_string(k) + end;
-          ASSERT_EQ(design::IsSeparateLine(line), list.IsSeparateLine(line)) << line;
-        }
-      }
+  const auto expect_same = [&list](const std::string& line) {
+    EXPECT_EQ(design::IsSeparateLine(line), list.IsSeparateLine(line)) << line;
+  };
+  for (int n = 0; n <= 110; ++n) {
+    for (int k = 0; k <= 11; ++k) {
+      const std::string numbers = std::to_string(n) + "_" + std::to_string(k);
+      for (const char* end : {":x", "", " :"}) expect_same("C_" + numbers + end);
+      if (n % 9 != 0) continue;
+      for (const char* begin : {"C_0", "c_", "C_-", "C_ ", "C-", "C"}) expect_same(begin + numbers + ":");
     }
   }
 }
@@ -88,7 +89,7 @@ TEST(SeparatorTest, LinesOfAnySpellingAreJudgedAsByThePlainKeyList) {
   };
   constexpr std::string_view kCharacters = "C_0123456789:/FVSPRIOx bg";
   std::size_t separators = 0;
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < 8000; ++i) {
     std::string line = list.keys()[pick(list.keys().size())];
     for (std::size_t changes = pick(3); changes > 0; --changes)
       line[pick(line.size())] = kCharacters[pick(kCharacters.size())];
@@ -97,8 +98,8 @@ TEST(SeparatorTest, LinesOfAnySpellingAreJudgedAsByThePlainKeyList) {
     separators += expected ? 1 : 0;
     ASSERT_EQ(design::IsSeparateLine(line), expected) << line;
   }
-  EXPECT_GT(separators, 5000U);
-  EXPECT_LT(separators, 15000U);
+  EXPECT_GT(separators, 2000U);
+  EXPECT_LT(separators, 6000U);
 }
 
 struct Judged {

@@ -180,7 +180,7 @@ TEST_F(StructureTest, WhatIsNoNumberFailsWithTheDatabasesError) {
   EXPECT_THROW((void)construction.FlowNoExists(db, 1, "1 2"), DatabaseError);
   EXPECT_THROW((void)construction.GetMaxStepQty(db, 1, Value()), DatabaseError);
   EXPECT_THROW((void)construction.GetChildFlowNo(db, "", 1), DatabaseError);
-  EXPECT_THROW((void)construction.DelCommand(db, 1, "1;"), DatabaseError);
+  EXPECT_THROW((void)construction.DelCommand(db, 1, "x y"), DatabaseError);
 }
 
 TEST_F(StructureTest, DelCommandHangsTheChildrenOntoTheParent) {
