@@ -45,12 +45,18 @@ constexpr std::array<Character, 256> MakeCharacters() {
 }
 constexpr std::array<Character, 256> kCharacters = MakeCharacters();
 
-constexpr Character CharacterOf(char c) { return kCharacters[static_cast<unsigned char>(c)]; }
-constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-constexpr bool IsName(char c) {
-  const Character character = CharacterOf(c);
-  return character == Character::kNameStart || character == Character::kDigit || c == '$';
+constexpr std::array<bool, 256> MakeNameCharacters() {
+  std::array<bool, 256> belongs{};
+  for (std::size_t i = 0; i < belongs.size(); ++i) {
+    belongs[i] = kCharacters[i] == Character::kNameStart || kCharacters[i] == Character::kDigit || i == '$';
+  }
+  return belongs;
 }
+constexpr std::array<bool, 256> kNameCharacters = MakeNameCharacters();
+
+constexpr Character CharacterOf(char c) { return kCharacters[static_cast<unsigned char>(c)]; }
+constexpr bool IsName(char c) { return kNameCharacters[static_cast<unsigned char>(c)]; }
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 constexpr std::string_view kIdentity = "@@identity";
 
@@ -63,56 +69,61 @@ class Scanner {
     while (at_ < text_.size()) {
       const char c = text_[at_];
       const Character character = CharacterOf(c);
-      if (character == Character::kBlank) {
+      if (character == Character::kNameStart) {
+        Word();
+        if (ended_) return;
+      } else if (character == Character::kBlank) {
         ++at_;
-        continue;
+      } else {
+        Other(c, character);
+        if (ended_) return;
       }
-      const bool behind_top = behind_top_;
-      behind_top_ = false;
-      switch (character) {
-        case Character::kNameStart:
-          Word();
-          break;
-        case Character::kDigit:
-          Number(behind_top);
-          break;
-        case Character::kPoint:
-          Point(behind_top);
-          break;
-        case Character::kTextQuote:
-          Text();
-          break;
-        case Character::kNameQuote:
-          QuotedName(c, c);
-          break;
-        case Character::kBracket:
-          QuotedName('[', ']');
-          break;
-        case Character::kMinus:
-          Comment('-', "\n", behind_top);
-          break;
-        case Character::kSlash:
-          Comment('*', "*/", behind_top);
-          break;
-        case Character::kSemicolon:
-          Semicolon();
-          return;
-        case Character::kNamedMark:
-          NamedMark(c);
-          break;
-        case Character::kQuestionMark:
-          Refuse("a statement text holds no parameter marks; \"?\" is one");
-        default:
-          ++at_;
-          break;
-      }
-      if (out_.unterminated) return;
     }
     Flush(text_.size());
   }
 
  private:
   [[noreturn]] void Refuse(const std::string& message) const { throw DatabaseError(message, std::string(text_)); }
+
+  /// What is neither a word nor a blank.
+  void Other(char c, Character character) {
+    const bool behind_top = behind_top_;
+    behind_top_ = false;
+    switch (character) {
+      case Character::kDigit:
+        Number(behind_top);
+        break;
+      case Character::kPoint:
+        Point(behind_top);
+        break;
+      case Character::kTextQuote:
+        Text();
+        break;
+      case Character::kNameQuote:
+        QuotedName(c, c);
+        break;
+      case Character::kBracket:
+        QuotedName('[', ']');
+        break;
+      case Character::kMinus:
+        Comment('-', "\n", behind_top);
+        break;
+      case Character::kSlash:
+        Comment('*', "*/", behind_top);
+        break;
+      case Character::kSemicolon:
+        Semicolon();
+        break;
+      case Character::kNamedMark:
+        NamedMark(c);
+        break;
+      case Character::kQuestionMark:
+        Refuse("a statement text holds no parameter marks; \"?\" is one");
+      default:
+        ++at_;
+        break;
+    }
+  }
 
   void Flush(std::size_t end) { out_.shape.append(text_, kept_, end - kept_); }
 
@@ -128,12 +139,16 @@ class Scanner {
     while (++at_ < text_.size() && IsName(text_[at_])) {
     }
     const std::size_t length = at_ - begin;
+    behind_top_ = false;
+    if (length > 3) return;
     if (length == 1 && (text_[begin] == 'x' || text_[begin] == 'X') && at_ < text_.size() && text_[at_] == '\'') {
       PassQuoted('\'');
     } else if (length == 3 && (text_[begin] == 'T' || text_[begin] == 't')) {
       behind_top_ = EqualIgnoringAsciiCase(text_.substr(begin, length), "top");
     }
   }
+
+  void Unterminated() { out_.unterminated = ended_ = true; }
 
   void PassDigits() {
     while (at_ < text_.size() && IsDigit(text_[at_])) ++at_;
@@ -185,7 +200,7 @@ class Scanner {
     for (std::size_t from = begin + 1;;) {
       const std::size_t quote = text_.find('\'', from);
       if (quote == text_.npos) {
-        out_.unterminated = true;
+        Unterminated();
         return;
       }
       if (quote + 1 == text_.size() || text_[quote + 1] != '\'') {
@@ -202,7 +217,7 @@ class Scanner {
   void PassQuoted(char closing) {
     const std::size_t end = text_.find(closing, at_ + 1);
     if (end == text_.npos) {
-      out_.unterminated = true;
+      Unterminated();
     } else {
       at_ = end + 1;
     }
@@ -212,7 +227,7 @@ class Scanner {
     PassQuoted(closing);
     // Of a name with a doubled quote the second half follows as a name of its own.
     if (opening != closing) return;
-    while (!out_.unterminated && at_ < text_.size() && text_[at_] == closing) PassQuoted(closing);
+    while (!ended_ && at_ < text_.size() && text_[at_] == closing) PassQuoted(closing);
   }
 
   void Comment(char second, std::string_view closing, bool behind_top) {
@@ -230,6 +245,7 @@ class Scanner {
       Refuse("a statement text holds one statement; something follows the \";\"");
     }
     Flush(at_);
+    ended_ = true;
   }
 
   void NamedMark(char c) {
@@ -254,6 +270,7 @@ class Scanner {
   std::size_t at_ = 0;
   std::size_t kept_ = 0;  // everything before is in the shape
   bool behind_top_ = false;
+  bool ended_ = false;
 };
 
 }  // namespace
