@@ -47,6 +47,9 @@ class SqliteDatabase : public Database {
   void CreateTables() override;
   void CreateFormTable(std::int32_t table_id, const std::vector<std::pair<std::string, std::string>>& units) override;
 
+  /// The engine's own connection, for measuring what it costs by itself.
+  [[nodiscard]] sqlite3* engine() const { return database_.get(); }
+
   /// How many statements the connection has had prepared so far.
   [[nodiscard]] std::size_t prepare_count() const { return prepare_count_; }
 

@@ -1,19 +1,16 @@
 #include "engine/step.h"
 
-#include <charconv>
-
 #include "engine/parameters.h"
 #include "expr/evaluator.h"
 
 namespace talm_flow::engine {
 
 std::string Step::Stored(int k) const {
-  // "C_" n "_" k, put together on the stack: this is read several times in every step.
-  char name[16];
-  char* end = name + row_.name.copy(name, sizeof name);
-  *end++ = '_';
-  end = std::to_chars(end, name + sizeof name, k).ptr;
-  return GetParameterData(session_, call_.FlowID, call_.FlowNo, {name, static_cast<std::size_t>(end - name)});
+  // "C_" n "_" k: short enough to need no allocation.
+  std::string name(row_.name);
+  name += '_';
+  name += static_cast<char>('0' + k);
+  return GetParameterData(session_, call_.FlowID, call_.FlowNo, name);
 }
 
 std::string Step::Evaluate(std::string_view expression) const {
