@@ -43,15 +43,13 @@ class FormRecordDeletionTest : public ::testing::TestWithParam<DeletionCommand> 
 
 INSTANTIATE_TEST_SUITE_P(
     All, FormRecordDeletionTest,
-    ::testing::Values(DeletionCommand{"C_12", &Command::C_12, "DataApp", "AppedTableID", "AppedDataID", "AppTableID",
-                                      "AppDataID",
-                                      "update DataApp set AppDataID=0 where AppedTableID=12 and AppedDataID=345", true},
-                      DeletionCommand{"C_13", &Command::C_13, "DataAnswer", "TableID", "DataID", "AnswerTableID",
-                                      "AnswerDataID", "delete from DataAnswer where TableID=12 and DataID=345", false},
-                      DeletionCommand{"C_14", &Command::C_14, "DataAtt", "AttedTableID", "AttedDataID", "AttTableID",
-                                      "AttDataID",
-                                      "update DataAtt set AttDataID=0 where AttedTableID=12 and AttedDataID=345",
-                                      true}),
+    ::testing::Values(
+        DeletionCommand{"C_12", &Command::C_12, "DataApp", "AppedTableID", "AppedDataID", "AppTableID", "AppDataID",
+                        "update DataApp set AppDataID=0 where AppedTableID=12 and AppedDataID=345", true},
+        DeletionCommand{"C_13", &Command::C_13, "DataAnswer", "TableID", "DataID", "AnswerTableID", "AnswerDataID",
+                        "delete from DataAnswer where TableID=12 and DataID=345", false},
+        DeletionCommand{"C_14", &Command::C_14, "DataAtt", "AttedTableID", "AttedDataID", "AttTableID", "AttDataID",
+                        "update DataAtt set AttDataID=0 where AttedTableID=12 and AttedDataID=345", true}),
     [](const auto& test) { return test.param.name; });
 
 TEST_P(FormRecordDeletionTest, TheFormRecordsGoInTheOrderOfTheirRows) {
@@ -60,9 +58,9 @@ TEST_P(FormRecordDeletionTest, TheFormRecordsGoInTheOrderOfTheirRows) {
   AddLink("346", "13", "3");
   AddLink("345", "13", "1");
   scene_.Run(GetParam().operation, GetParam().name, {std::string(kRecord)});
-  EXPECT_THAT(scene_.Trace(), ElementsAre("read " + GetParam().name + "_1", Query(),
-                                          "delete from TableData13 Where ID=2", "delete from TableData13 Where ID=1",
-                                          GetParam().last_statement));
+  EXPECT_THAT(scene_.Trace(),
+              ElementsAre("read " + GetParam().name + "_1", Query(), "delete from TableData13 Where ID=2",
+                          "delete from TableData13 Where ID=1", GetParam().last_statement));
   EXPECT_THAT(scene_.Rows("Select ID From TableData13"), ElementsAre("3"));
   if (GetParam().keeps_rows) {
     EXPECT_THAT(Links(), ElementsAre("345|13|0", "346|13|3", "345|13|0"));

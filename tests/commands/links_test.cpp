@@ -81,9 +81,9 @@ TEST(PageLinkTest, TheLinkOpensThePageWithItsParameter) {
 }
 
 TEST(PageLinkTest, ThePageIsAWholeNumberAsStoredOrByItsValue) {
-  const std::pair<std::string, std::string> cases[] = {{"5", "5"},      {"\"7\"", "7"}, {"page", "9"},  {"2+3", "5"},
-                                                       {" 4 ", "4"},    {"2.5", "2"},   {"1,000", "1000"}, {"-3", "-3"},
-                                                       {"007", "7"},    {"1e2", "100"}};
+  const std::pair<std::string, std::string> cases[] = {{"5", "5"},   {"\"7\"", "7"}, {"page", "9"},     {"2+3", "5"},
+                                                       {" 4 ", "4"}, {"2.5", "2"},   {"1,000", "1000"}, {"-3", "-3"},
+                                                       {"007", "7"}, {"1e2", "100"}};
   for (const auto& [parameter, page] : cases) {
     Scene scene;
     scene.SetVariable("page", "9");

@@ -14,15 +14,14 @@ const std::string kHostile = "'); Delete From TableData12; --\"?\r\n\t\x01 @x :y
 TEST(SendRecordTest, EachReceiverGetsANoticeAndAReceipt) {
   Scene scene;
   scene.Run(&Command::C_1, "C_1", {std::string(kRecord), "\"News\"", "\"a,b\""});
-  EXPECT_THAT(
-      scene.Trace(),
-      ElementsAre("read C_1_1", "read C_1_2", "read C_1_3",
-                  "Insert Into DataNotice (Sort,TableID,DataID,Recver,NoticeTitle) Values(2,12,345,'a','News')",
-                  "Select Top 1 DataRecID From DataRec Where TableID=12 And DataID=345 And Recver='a'",
-                  "Insert Into DataRec (TableID,DataID,Recver) Values (12,345,'a')",
-                  "Insert Into DataNotice (Sort,TableID,DataID,Recver,NoticeTitle) Values(2,12,345,'b','News')",
-                  "Select Top 1 DataRecID From DataRec Where TableID=12 And DataID=345 And Recver='b'",
-                  "Insert Into DataRec (TableID,DataID,Recver) Values (12,345,'b')"));
+  EXPECT_THAT(scene.Trace(),
+              ElementsAre("read C_1_1", "read C_1_2", "read C_1_3",
+                          "Insert Into DataNotice (Sort,TableID,DataID,Recver,NoticeTitle) Values(2,12,345,'a','News')",
+                          "Select Top 1 DataRecID From DataRec Where TableID=12 And DataID=345 And Recver='a'",
+                          "Insert Into DataRec (TableID,DataID,Recver) Values (12,345,'a')",
+                          "Insert Into DataNotice (Sort,TableID,DataID,Recver,NoticeTitle) Values(2,12,345,'b','News')",
+                          "Select Top 1 DataRecID From DataRec Where TableID=12 And DataID=345 And Recver='b'",
+                          "Insert Into DataRec (TableID,DataID,Recver) Values (12,345,'b')"));
   EXPECT_THAT(scene.Rows("Select Sort,TableID,DataID,Recver,NoticeTitle From DataNotice"),
               ElementsAre("2|12|345|a|News", "2|12|345|b|News"));
   EXPECT_THAT(scene.Rows("Select TableID,DataID,Recver,Status,SeeTimes From DataRec"),
@@ -84,10 +83,10 @@ TEST(SendRecordTest, HostileTextsAreStoredAsTheyAre) {
 TEST(ShortMessageTest, BlanksAndCommasSeparateReceivers) {
   Scene scene;
   scene.Run(&Command::C_20, "C_20", {"\"a b,c\"", "\"Hello\""});
-  EXPECT_THAT(scene.Trace(), ElementsAre("read C_20_1", "read C_20_2",
-                                         "insert into HandSetSend (Recver,Content) values('a','Hello')",
-                                         "insert into HandSetSend (Recver,Content) values('b','Hello')",
-                                         "insert into HandSetSend (Recver,Content) values('c','Hello')"));
+  EXPECT_THAT(scene.Trace(),
+              ElementsAre("read C_20_1", "read C_20_2", "insert into HandSetSend (Recver,Content) values('a','Hello')",
+                          "insert into HandSetSend (Recver,Content) values('b','Hello')",
+                          "insert into HandSetSend (Recver,Content) values('c','Hello')"));
 }
 
 TEST(ShortMessageTest, EmptyReceiversAndEmptyTextsAreNotQueued) {
@@ -118,12 +117,11 @@ TEST(ShortMessageTest, TextsOfAnyLengthAndContentAreStoredWhole) {
 TEST(EmailTest, EachAddressIsQueuedWithTheStepThatWroteIt) {
   Scene scene;
   scene.Run(&Command::C_21, "C_21", {"\"a@x b@y\"", "\"Title\"", "\"Text\""});
-  EXPECT_THAT(scene.Trace(),
-              ElementsAre("read C_21_1", "read C_21_2", "read C_21_3",
-                          "insert into EmailSend (Email,Title,Content,TableID,DataID,FlowID,FlowNo) "
-                          "values('a@x','Title','Text',12,345,7,3)",
-                          "insert into EmailSend (Email,Title,Content,TableID,DataID,FlowID,FlowNo) "
-                          "values('b@y','Title','Text',12,345,7,3)"));
+  EXPECT_THAT(scene.Trace(), ElementsAre("read C_21_1", "read C_21_2", "read C_21_3",
+                                         "insert into EmailSend (Email,Title,Content,TableID,DataID,FlowID,FlowNo) "
+                                         "values('a@x','Title','Text',12,345,7,3)",
+                                         "insert into EmailSend (Email,Title,Content,TableID,DataID,FlowID,FlowNo) "
+                                         "values('b@y','Title','Text',12,345,7,3)"));
 }
 
 TEST(EmailTest, AnEmptyTitleOrTextIsStillQueued) {

@@ -14,9 +14,9 @@ using Texts = std::vector<std::string>;
 const std::string kRecordParameter(kRecord);
 
 /// A flag's stored text, and what it counts as when the variables "yes" and "no" hold "1" and "no".
-const std::pair<std::string, bool> kFlags[] = {{"1", true},       {"0", false},   {"", false},   {"\"1\"", true},
-                                               {"\"0\"", false},  {"yes", true},  {"no", false}, {"2", false},
-                                               {"01", false},     {"2-1", true},  {"1.0", false}};
+const std::pair<std::string, bool> kFlags[] = {{"1", true},      {"0", false},  {"", false},   {"\"1\"", true},
+                                               {"\"0\"", false}, {"yes", true}, {"no", false}, {"2", false},
+                                               {"01", false},    {"2-1", true}, {"1.0", false}};
 
 void SetFlagVariables(Scene& scene) {
   scene.SetVariable("yes", "1");
@@ -74,8 +74,8 @@ TEST(AllowAddingTest, TheFlagIsSetOnTheTable) {
     Scene scene;
     SetFlagVariables(scene);
     scene.Run(&Command::C_7, "C_7", {"\"TableID:12\"", parameter});
-    EXPECT_THAT(scene.Trace(), ElementsAre("read C_7_1", "read C_7_2",
-                                           "Update TableName Set AddEnable=" + flag + " Where TableID=12"))
+    EXPECT_THAT(scene.Trace(),
+                ElementsAre("read C_7_1", "read C_7_2", "Update TableName Set AddEnable=" + flag + " Where TableID=12"))
         << parameter;
     EXPECT_THAT(scene.Rows("Select TableID,AddEnable From TableName"), ElementsAre("12|" + flag, "13|1"));
   }
@@ -157,15 +157,15 @@ TEST(AllowAnswersTest, AllowingNamesTheAnswerForm) {
 TEST(AllowAnswersTest, ForbiddingLeavesTheAnswerFormUnread) {
   Scene scene;
   scene.Run(&Command::C_9, "C_9", {kRecordParameter, "0", "\"TableID:13\""});
-  EXPECT_THAT(scene.Trace(), ElementsAre("read C_9_1", "read C_9_2",
-                                         "select Top 1 ID From DataPro Where TableID=12 and DataID=345",
-                                         "Insert Into DataPro (TableID,DataID,AnswerEnable) Values (12,345,0)"));
+  EXPECT_THAT(scene.Trace(),
+              ElementsAre("read C_9_1", "read C_9_2", "select Top 1 ID From DataPro Where TableID=12 and DataID=345",
+                          "Insert Into DataPro (TableID,DataID,AnswerEnable) Values (12,345,0)"));
   EXPECT_THAT(scene.Rows("Select AnswerEnable,AnswerTableID From DataPro"), ElementsAre("0|NULL"));
   scene.world().Run("Update DataPro Set AnswerEnable=1,AnswerTableID=13");
   scene.Run(&Command::C_9, "C_9", {kRecordParameter, "maybe"});
-  EXPECT_THAT(scene.Trace(), ElementsAre("read C_9_1", "read C_9_2",
-                                         "select Top 1 ID From DataPro Where TableID=12 and DataID=345",
-                                         "Update DataPro Set AnswerEnable=0 Where TableID=12 and DataID=345"));
+  EXPECT_THAT(scene.Trace(),
+              ElementsAre("read C_9_1", "read C_9_2", "select Top 1 ID From DataPro Where TableID=12 and DataID=345",
+                          "Update DataPro Set AnswerEnable=0 Where TableID=12 and DataID=345"));
   EXPECT_THAT(scene.Rows("Select AnswerEnable,AnswerTableID From DataPro"), ElementsAre("0|13"));
 }
 
@@ -188,24 +188,22 @@ TEST(TableOperationTest, TheHostOperatesInTheNameOfTheSystem) {
 
 /// Commands that begin with a record which the host must accept and have no test of that of their own.
 class RecordCommandTest : public ::testing::TestWithParam<TableCommand> {};
-INSTANTIATE_TEST_SUITE_P(All, RecordCommandTest,
-                         ::testing::Values(TableCommand{"C_1", &Command::C_1, {"\"News\"", "\"a\""}},
-                                           TableCommand{"C_4", &Command::C_4, {"\"Title\"", "\"x\""}},
-                                           TableCommand{"C_5", &Command::C_5, {"\"Title\"", "\"x\""}},
-                                           TableCommand{"C_6", &Command::C_6, {"\"a\"", "1"}},
-                                           TableCommand{"C_8", &Command::C_8, {"1"}},
-                                           TableCommand{"C_9", &Command::C_9, {"0"}},
-                                           TableCommand{"C_12", &Command::C_12, {}},
-                                           TableCommand{"C_13", &Command::C_13, {}},
-                                           TableCommand{"C_14", &Command::C_14, {}},
-                                           TableCommand{"C_76", &Command::C_76, {kRecordParameter}},
-                                           TableCommand{"C_89", &Command::C_89, {}}),
-                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    All, RecordCommandTest,
+    ::testing::Values(TableCommand{"C_1", &Command::C_1, {"\"News\"", "\"a\""}},
+                      TableCommand{"C_4", &Command::C_4, {"\"Title\"", "\"x\""}},
+                      TableCommand{"C_5", &Command::C_5, {"\"Title\"", "\"x\""}},
+                      TableCommand{"C_6", &Command::C_6, {"\"a\"", "1"}}, TableCommand{"C_8", &Command::C_8, {"1"}},
+                      TableCommand{"C_9", &Command::C_9, {"0"}}, TableCommand{"C_12", &Command::C_12, {}},
+                      TableCommand{"C_13", &Command::C_13, {}}, TableCommand{"C_14", &Command::C_14, {}},
+                      TableCommand{"C_76", &Command::C_76, {kRecordParameter}},
+                      TableCommand{"C_89", &Command::C_89, {}}),
+    [](const auto& test) { return test.param.name; });
 
 TEST_P(RecordCommandTest, ARecordThatDoesNotFitEndsItBeforeAnotherParameterIsRead) {
-  for (const char* record : {"", "12", "\"TableID:12\"", "\"TableID:12,DataID:0\"", "\"TableID:12,DataID:999\"",
-                             "\"TableID:99,DataID:345\"", "TableID:12,DataID:345",
-                             "\"TableID:12,DataID:345 Or 1=1\"", "unset"}) {
+  for (const char* record :
+       {"", "12", "\"TableID:12\"", "\"TableID:12,DataID:0\"", "\"TableID:12,DataID:999\"", "\"TableID:99,DataID:345\"",
+        "TableID:12,DataID:345", "\"TableID:12,DataID:345 Or 1=1\"", "unset"}) {
     Scene scene;
     Texts parameters = {record};
     parameters.insert(parameters.end(), GetParam().further.begin(), GetParam().further.end());

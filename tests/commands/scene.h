@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "support/invocation.h"
 #include "support/world.h"
 #include "talm_flow/command.h"
 
@@ -41,7 +42,8 @@ class Scene {
     world_.database().CreateFormTable(13, {{"Opinion", "InputText"}});
     world_.Run("Insert Into TableData12 (ID,name,inputtime) Values (345,'张三','2026-01-02 03:04:05')");
     world_.Run("Insert Into TableData12 (ID,name,inputtime) Values (346,'李四','2026-01-03 00:00:00')");
-    world_.Run("Insert Into WorkFlowExecuteID (ExecuteID,RootExecuteID,TableID,DataID,FlowID) Values (901,900,12,345,7)");
+    world_.Run(
+        "Insert Into WorkFlowExecuteID (ExecuteID,RootExecuteID,TableID,DataID,FlowID) Values (901,900,12,345,7)");
     world_.ForgetTrace();
   }
 
@@ -74,10 +76,10 @@ class Scene {
   }
 
   void RunOn(Connection& connection, Operation operation) {
-    Value execute_id = 901, flow_no = 3, root_execute_id = 900, table_id = 12, data_id = 345, flow_id = 7;
-    Value operator_name = "王五", ip_address = "10.0.0.9", other_table_id = 0, other_data_id = 0;
-    InvocationContext context{connection, execute_id,    flow_no,    root_execute_id, table_id,     data_id,
-                              flow_id,    operator_name, ip_address, other_table_id,  other_data_id};
+    Invocation call;
+    call.flow_no = 3;
+    call.root_execute_id = 900;
+    InvocationContext context = call.On(connection);
     (Command(world_.services()).*operation)(context);
   }
 

@@ -35,18 +35,42 @@ struct TaskCommand {
   std::string table, person_column, usual_button;
 };
 
-const TaskCommand kApproval = {"C_2", &Command::C_2,
-                               {std::string(kRecord), "\"a,b\"", "\"TableID:13\"", "\"Title\"", "\"Sign\"", "1", "24",
-                                "\"Please\""},
-                               3, 4, 5, 7, 1, "DataApp", "Appover", "审批"};
-const TaskCommand kAttention = {"C_3", &Command::C_3,
-                                {std::string(kRecord), "\"a,b\"", "\"TableID:13\"", "\"Title\"", "\"Sign\"", "1",
-                                 "\"Please\""},
-                                3, 4, 5, 6, 1, "DataAtt", "AttName", "附加"};
-const TaskCommand kFillIn = {"C_97", &Command::C_97,
-                             {std::string(kRecord), "\"title\"", "\"a,b\"", "\"Title\"", "\"Sign\"", "1", "24",
-                              "\"Please\""},
-                             3, 4, 5, 7, 2, "InUnitSub", "InPuter", "填写"};
+const TaskCommand kApproval = {
+    "C_2",
+    &Command::C_2,
+    {std::string(kRecord), "\"a,b\"", "\"TableID:13\"", "\"Title\"", "\"Sign\"", "1", "24", "\"Please\""},
+    3,
+    4,
+    5,
+    7,
+    1,
+    "DataApp",
+    "Appover",
+    "审批"};
+const TaskCommand kAttention = {
+    "C_3",
+    &Command::C_3,
+    {std::string(kRecord), "\"a,b\"", "\"TableID:13\"", "\"Title\"", "\"Sign\"", "1", "\"Please\""},
+    3,
+    4,
+    5,
+    6,
+    1,
+    "DataAtt",
+    "AttName",
+    "附加"};
+const TaskCommand kFillIn = {
+    "C_97",
+    &Command::C_97,
+    {std::string(kRecord), "\"title\"", "\"a,b\"", "\"Title\"", "\"Sign\"", "1", "24", "\"Please\""},
+    3,
+    4,
+    5,
+    7,
+    2,
+    "InUnitSub",
+    "InPuter",
+    "填写"};
 
 class TaskCommandTest : public ::testing::TestWithParam<TaskCommand> {
  protected:
@@ -88,16 +112,19 @@ TEST_P(TaskCommandTest, TitlesAreCutTo100Characters) {
 }
 
 TEST_P(TaskCommandTest, InformationIsCutTo100Characters) {
-  EXPECT_EQ(ColumnAfter("NoticInf", GetParam().information, Marked(Repeated("😀", 101))).front(),
-            Repeated("😀", 100));
+  EXPECT_EQ(ColumnAfter("NoticInf", GetParam().information, Marked(Repeated("😀", 101))).front(), Repeated("😀", 100));
 }
 
 TEST_P(TaskCommandTest, ButtonTextIsTheValueElseTheParameterElseTheUsualOne) {
   const std::string usual = GetParam().usual_button;
-  const std::pair<std::string, std::string> cases[] = {
-      {"\"Press\"", "Press"},  {"press_me", "press_me"}, {"", usual},
-      {"button", "From the variable"}, {"\"\"", "\"\""}, {"1+1", "2"},
-      {Marked(Repeated("字", 60)), Repeated("字", 50)}, {Repeated("名", 51), Repeated("名", 50)}};
+  const std::pair<std::string, std::string> cases[] = {{"\"Press\"", "Press"},
+                                                       {"press_me", "press_me"},
+                                                       {"", usual},
+                                                       {"button", "From the variable"},
+                                                       {"\"\"", "\"\""},
+                                                       {"1+1", "2"},
+                                                       {Marked(Repeated("字", 60)), Repeated("字", 50)},
+                                                       {Repeated("名", 51), Repeated("名", 50)}};
   scene_.SetVariable("button", "From the variable");
   for (const auto& [parameter, button] : cases) {
     scene_.world().Run("Delete From " + GetParam().table);
@@ -106,9 +133,9 @@ TEST_P(TaskCommandTest, ButtonTextIsTheValueElseTheParameterElseTheUsualOne) {
 }
 
 TEST_P(TaskCommandTest, EditFlagIsOneOrZero) {
-  const std::pair<std::string, std::string> cases[] = {{"1", "1"},      {"0", "0"},      {"", "0"},     {"\"1\"", "1"},
-                                                       {"\"0\"", "0"},  {"yes", "1"},    {"no", "0"},   {"2", "0"},
-                                                       {"01", "0"},     {"\" 1\"", "0"}, {"2-1", "1"},  {"\"x\"", "0"}};
+  const std::pair<std::string, std::string> cases[] = {{"1", "1"},     {"0", "0"},      {"", "0"},    {"\"1\"", "1"},
+                                                       {"\"0\"", "0"}, {"yes", "1"},    {"no", "0"},  {"2", "0"},
+                                                       {"01", "0"},    {"\" 1\"", "0"}, {"2-1", "1"}, {"\"x\"", "0"}};
   scene_.SetVariable("yes", "1");
   scene_.SetVariable("no", "no");
   for (const auto& [parameter, flag] : cases) {
@@ -145,8 +172,7 @@ TEST_P(TaskCommandTest, HostileTextsAreStoredAsTheyAre) {
 }
 
 TEST_P(TaskCommandTest, AHundredThousandCharactersAreCutNotRefused) {
-  EXPECT_EQ(ColumnAfter("NoticInf", GetParam().information, Marked(Repeated("'", 100000))).front(),
-            Repeated("'", 100));
+  EXPECT_EQ(ColumnAfter("NoticInf", GetParam().information, Marked(Repeated("'", 100000))).front(), Repeated("'", 100));
 }
 
 /// The commands with a time limit.
@@ -155,9 +181,17 @@ INSTANTIATE_TEST_SUITE_P(All, TimedTaskTest, ::testing::Values(kApproval, kFillI
                          [](const auto& test) { return test.param.name; });
 
 TEST_P(TimedTaskTest, TheTimeLimitIsAnAbsoluteWholeNumber) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"24", "24"}, {"-5", "5"},    {"2.5", "2"},  {"3.5", "4"},          {"1,000", "1000"},   {" 7 ", "7"},
-      {"\"-8\"", "8"}, {"hours", "48"}, {"6*2", "12"}, {"2147483647", "2147483647"}, {"-2147483647", "2147483647"}};
+  const std::pair<std::string, std::string> cases[] = {{"24", "24"},
+                                                       {"-5", "5"},
+                                                       {"2.5", "2"},
+                                                       {"3.5", "4"},
+                                                       {"1,000", "1000"},
+                                                       {" 7 ", "7"},
+                                                       {"\"-8\"", "8"},
+                                                       {"hours", "48"},
+                                                       {"6*2", "12"},
+                                                       {"2147483647", "2147483647"},
+                                                       {"-2147483647", "2147483647"}};
   scene_.SetVariable("hours", "48");
   for (const auto& [parameter, limit] : cases) {
     scene_.world().Run("Delete From " + GetParam().table);
@@ -186,17 +220,17 @@ TEST_P(TimedTaskTest, ATimeLimitThatFits32BitsOnlyWithItsSignRaisesOverflow) {
 TEST(ApprovalTest, EachApproverGetsANoticeATaskAndAWait) {
   Scene scene;
   scene.Run(&Command::C_2, "C_2", kApproval.parameters);
-  EXPECT_THAT(scene.Trace(),
-              ElementsAre("read C_2_1", "read C_2_2", "read C_2_3", "read C_2_4", "read C_2_5", "read C_2_6",
-                          "read C_2_7", "read C_2_8", kNoticeInsert + std::string("'a','Title')"),
-                          kApprovalInsert + std::string("'a',24,3,'Sign',1,13,'Please')"),
-                          "Select Top 1 DataAppID From DataApp Order By DataAppID Desc",
-                          "Update DataApp Set RelatingID=1 Where DataAppID=1",
-                          kWaitInsert + std::string("1,3,'C_2',24,'a')"), kNoticeInsert + std::string("'b','Title')"),
-                          kApprovalInsert + std::string("'b',24,3,'Sign',1,13,'Please')"),
-                          "Select Top 1 DataAppID From DataApp Order By DataAppID Desc",
-                          "Update DataApp Set RelatingID=1 Where DataAppID=2",
-                          kWaitInsert + std::string("2,3,'C_2',24,'b')")));
+  EXPECT_THAT(
+      scene.Trace(),
+      ElementsAre("read C_2_1", "read C_2_2", "read C_2_3", "read C_2_4", "read C_2_5", "read C_2_6", "read C_2_7",
+                  "read C_2_8", kNoticeInsert + std::string("'a','Title')"),
+                  kApprovalInsert + std::string("'a',24,3,'Sign',1,13,'Please')"),
+                  "Select Top 1 DataAppID From DataApp Order By DataAppID Desc",
+                  "Update DataApp Set RelatingID=1 Where DataAppID=1", kWaitInsert + std::string("1,3,'C_2',24,'a')"),
+                  kNoticeInsert + std::string("'b','Title')"),
+                  kApprovalInsert + std::string("'b',24,3,'Sign',1,13,'Please')"),
+                  "Select Top 1 DataAppID From DataApp Order By DataAppID Desc",
+                  "Update DataApp Set RelatingID=1 Where DataAppID=2", kWaitInsert + std::string("2,3,'C_2',24,'b')")));
   EXPECT_THAT(scene.Rows("Select DataAppID,RelatingID,Appover,Status,AppDataID From DataApp"),
               ElementsAre("1|1|a|0|0", "2|1|b|0|0"));
 }
@@ -239,12 +273,11 @@ TEST(ApprovalTest, AFormMayBeGivenByItsBareNumber) {
 TEST(AttentionTest, EachPersonGetsANoticeAndATaskAndNothingWaits) {
   Scene scene;
   scene.Run(&Command::C_3, "C_3", kAttention.parameters);
-  EXPECT_THAT(scene.Trace(),
-              ElementsAre("read C_3_1", "read C_3_3", "read C_3_2", "read C_3_4", "read C_3_5", "read C_3_6",
-                          "read C_3_7", kNoticeInsert + std::string("'a','Title')"),
-                          kAttentionInsert + std::string("'a',3,'Sign',1,13,'Please')"),
-                          kNoticeInsert + std::string("'b','Title')"),
-                          kAttentionInsert + std::string("'b',3,'Sign',1,13,'Please')")));
+  EXPECT_THAT(scene.Trace(), ElementsAre("read C_3_1", "read C_3_3", "read C_3_2", "read C_3_4", "read C_3_5",
+                                         "read C_3_6", "read C_3_7", kNoticeInsert + std::string("'a','Title')"),
+                                         kAttentionInsert + std::string("'a',3,'Sign',1,13,'Please')"),
+                                         kNoticeInsert + std::string("'b','Title')"),
+                                         kAttentionInsert + std::string("'b',3,'Sign',1,13,'Please')")));
   EXPECT_THAT(scene.Rows("Select AttName,AttDataID From DataAtt"), ElementsAre("a|0", "b|0"));
 }
 
@@ -269,15 +302,15 @@ TEST(AttentionTest, PeopleAreNamesAsTheyStandNotGroups) {
 TEST(FillInTest, EachPersonGetsANoticeATaskAndAWait) {
   Scene scene;
   scene.Run(&Command::C_97, "C_97", kFillIn.parameters);
-  EXPECT_THAT(scene.Trace(),
-              ElementsAre("read C_97_1", "read C_97_2", "read C_97_3", "read C_97_4", "read C_97_5", "read C_97_6",
-                          "read C_97_7", "read C_97_8", kNoticeInsert + std::string("'a','Title')"),
-                          kFillInInsert + std::string("'a',24,3,'Sign',1,'Please')"),
-                          "Select Top 1 ID From InUnitSub Order By ID Desc",
-                          kWaitInsert + std::string("1,3,'C_97',24,'a')"), kNoticeInsert + std::string("'b','Title')"),
-                          kFillInInsert + std::string("'b',24,3,'Sign',1,'Please')"),
-                          "Select Top 1 ID From InUnitSub Order By ID Desc",
-                          kWaitInsert + std::string("2,3,'C_97',24,'b')")));
+  EXPECT_THAT(
+      scene.Trace(),
+      ElementsAre("read C_97_1", "read C_97_2", "read C_97_3", "read C_97_4", "read C_97_5", "read C_97_6",
+                  "read C_97_7", "read C_97_8", kNoticeInsert + std::string("'a','Title')"),
+                  kFillInInsert + std::string("'a',24,3,'Sign',1,'Please')"),
+                  "Select Top 1 ID From InUnitSub Order By ID Desc", kWaitInsert + std::string("1,3,'C_97',24,'a')"),
+                  kNoticeInsert + std::string("'b','Title')"),
+                  kFillInInsert + std::string("'b',24,3,'Sign',1,'Please')"),
+                  "Select Top 1 ID From InUnitSub Order By ID Desc", kWaitInsert + std::string("2,3,'C_97',24,'b')")));
   EXPECT_THAT(scene.Rows("Select ID,InUnitID,Status From InUnitSub"), ElementsAre("1|Title|0", "2|Title|0"));
 }
 
@@ -332,8 +365,8 @@ INSTANTIATE_TEST_SUITE_P(All, AnswerTest,
                          [](const auto& test) { return test.param.name; });
 
 TEST_P(AnswerTest, OnlyStatus3CountsAsAgreed) {
-  for (const auto& [status, answer] : {std::pair{"0", "0"}, {"1", "0"}, {"2", "0"}, {"3", "1"}, {"4", "0"},
-                                       {"Null", "0"}, {"-3", "0"}}) {
+  for (const auto& [status, answer] :
+       {std::pair{"0", "0"}, {"1", "0"}, {"2", "0"}, {"3", "1"}, {"4", "0"}, {"Null", "0"}, {"-3", "0"}}) {
     scene_.world().Run("Delete From " + GetParam().table);
     AddTask(901, 2, status);
     EXPECT_EQ(Answered(), answer) << status;
@@ -346,9 +379,9 @@ TEST_P(AnswerTest, TheNewestTaskOfTheStepInTheInstanceCounts) {
   AddTask(901, 5, "2");
   AddTask(902, 2, "2");
   EXPECT_EQ(Answered(), "1");
-  EXPECT_THAT(scene_.Trace(), ::testing::Contains("select Top 1 Status from " + GetParam().table +
-                                                  " where ExecuteID=901 and FlowNo=2 Order by " + GetParam().key +
-                                                  " desc"));
+  EXPECT_THAT(scene_.Trace(),
+              ::testing::Contains("select Top 1 Status from " + GetParam().table +
+                                  " where ExecuteID=901 and FlowNo=2 Order by " + GetParam().key + " desc"));
 }
 
 TEST_P(AnswerTest, WithoutATaskTheAnswerIsNo) { EXPECT_EQ(Answered(), "0"); }
