@@ -102,12 +102,13 @@ TEST_P(FailingStatementTest, ReachesTheCallerAndLeavesWhatWasWrittenBefore) {
   const Texts statements = undisturbed.world().trace();
   ASSERT_FALSE(statements.empty());
 
+  Scene scene;
+  Prepare(scene, GetParam());
   // Runs the same statements one at a time, to compare with after each.
   Scene replayed;
   Prepare(replayed, GetParam());
   for (std::size_t failing = 1; failing <= statements.size(); ++failing) {
-    Scene scene;
-    Prepare(scene, GetParam());
+    scene.world().database().Begin();
     FailingConnection connection(scene.world().connection(), failing);
     try {
       scene.RunOn(connection, GetParam().operation);
@@ -117,6 +118,7 @@ TEST_P(FailingStatementTest, ReachesTheCallerAndLeavesWhatWasWrittenBefore) {
     }
     EXPECT_EQ(connection.count(), failing);
     EXPECT_EQ(WholeDatabase(scene), WholeDatabase(replayed)) << statements[failing - 1];
+    scene.world().database().Rollback();
     replayed.world().Run(statements[failing - 1]);
   }
   EXPECT_EQ(WholeDatabase(undisturbed), WholeDatabase(replayed));

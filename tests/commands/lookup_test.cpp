@@ -76,7 +76,7 @@ TEST(BadConditionTest, AConditionThatDoesNotFitWritesNothingAndRunsNoQuery) {
   const std::string cases[] = {"name",
                                "name=",
                                "=name",
-                               "name=\"a\" and",
+                               "name=\"a\" and ",
                                "and name=\"a\"",
                                "name=\"a\" name=\"b\"",
                                "name==\"a\"",

@@ -158,7 +158,7 @@ TEST_P(TaskCommandTest, ATableNumberBeyond16BitsRaisesOverflow) {
 }
 
 TEST_P(TaskCommandTest, HostileTextsAreStoredAsTheyAre) {
-  const std::string hostile = "'); Delete From TableData12; --\"?\r\n\t\x01 @x :y $1 %_[]\\";
+  const std::string hostile = "'); Delete From DataApp;--\"?\r\n\t\x01 @x :y $1 %_[]\\";
   Texts parameters = GetParam().parameters;
   for (const std::size_t position : {GetParam().title, GetParam().button, GetParam().information}) {
     parameters[position] = Marked(hostile);
