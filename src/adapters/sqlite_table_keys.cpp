@@ -27,7 +27,8 @@ std::vector<Column> ColumnsOfTable(sqlite3* database, const TableName& table) {
   constexpr char kText[] = "select name, type, pk from pragma_table_info(?, ?)";
   if (sqlite3_prepare_v2(database, kText, sizeof kText, &prepared, nullptr) != SQLITE_OK) return columns;
   const std::unique_ptr<sqlite3_stmt, SqliteStatementDeleter> statement(prepared);
-  BindValue(prepared, 1, table.name);
+  const Value name(table.name);  // bound by its address: it outlives the reading
+  BindValue(prepared, 1, name);
   const Value schema = table.schema.empty() ? Value() : Value(table.schema);
   BindValue(prepared, 2, schema);
   while (sqlite3_step(prepared) == SQLITE_ROW) {
