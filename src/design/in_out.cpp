@@ -1,6 +1,8 @@
 #include "talm_flow/in_out.h"
 
+#include <array>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -17,12 +19,11 @@ using db::Session;
 using design::TextOf;
 using Given = std::optional<std::string_view>;
 
-/// Both parts are copied before either is handed over: the text taken apart may be one of the two arguments.
-void HandOver(const design::Parted& parted, Value& front, Value& back) {
-  Value front_text(parted.front);
-  Value back_text(parted.back);
-  front = std::move(front_text);
-  back = std::move(back_text);
+/// Writes what was read into a call's arguments. Everything is a copy by now: the text that was taken apart may be one
+/// of these arguments.
+template <std::size_t count>
+void HandOver(Value (&&read)[count], const std::array<std::reference_wrapper<Value>, count>& arguments) {
+  for (std::size_t i = 0; i < count; ++i) arguments[i].get() = std::move(read[i]);
 }
 
 Value NumberOrNone(const Given& given) { return given ? Value(*given) : Value(0); }
@@ -46,39 +47,36 @@ std::int16_t InOut::CreatFlow(Connection& ConnDB, const Value& FlowID, const Val
 
 void InOut::SeparateLine(const Value& StrAll, Value& ForntLine, Value& BackLine) {
   const TextOf text(StrAll);
-  HandOver(design::SeparateLine(text.view()), ForntLine, BackLine);
+  const auto [front, back] = design::SeparateLine(text.view());
+  HandOver({Value(front), Value(back)}, {ForntLine, BackLine});
 }
 
 void InOut::SeparateValue(const Value& StrAll, Value& ForntValue, Value& BackValue) {
   const TextOf text(StrAll);
-  HandOver(design::SeparateValue(text.view()), ForntValue, BackValue);
+  const auto [front, back] = design::SeparateValue(text.view());
+  HandOver({Value(front), Value(back)}, {ForntValue, BackValue});
 }
 
 bool InOut::IsSeparateLine(const Value& StrLine) { return design::IsSeparateLine(TextOf(StrLine).view()); }
 
 void InOut::GetStepValue(const Value& StrAll, Value& BackLine, Value& FlowNo, Value& ParentNo, Value& Serial,
                          Value& Remark, Value& Command) {
-  const Value kept = StrAll;
-  const TextOf text(kept);
+  const TextOf text(StrAll);
   const auto [values, back] = design::GetStepValue(text.view());
-  FlowNo = NumberOrNone(values[design::kFlowNo]);
-  ParentNo = NumberOrNone(values[design::kParentNo]);
-  Serial = NumberOrNone(values[design::kSerial]);
-  Remark = TextOrNone(values[design::kRemark]);
-  Command = TextOrNone(values[design::kCommand]);
-  if (back) BackLine = Value(*back);
+  HandOver({NumberOrNone(values[design::kFlowNo]), NumberOrNone(values[design::kParentNo]),
+            NumberOrNone(values[design::kSerial]), TextOrNone(values[design::kRemark]),
+            TextOrNone(values[design::kCommand]), back ? Value(*back) : BackLine},
+           {FlowNo, ParentNo, Serial, Remark, Command, BackLine});
 }
 
 void InOut::GetFunctionValue(const Value& StrAll, Value& BackLine, Value& InputTitle, Value& OrderNo, Value& Sort,
                              Value& ClassContent) {
-  const Value kept = StrAll;
-  const TextOf text(kept);
+  const TextOf text(StrAll);
   const auto [values, back] = design::GetFunctionValue(text.view());
-  InputTitle = TextOrNone(values[design::kInputTitle]);
-  OrderNo = NumberOrNone(values[design::kOrderNo]);
-  Sort = NumberOrNone(values[design::kSort]);
-  ClassContent = TextOrNone(values[design::kClassContent]);
-  if (back) BackLine = Value(*back);
+  HandOver(
+      {TextOrNone(values[design::kInputTitle]), NumberOrNone(values[design::kOrderNo]),
+       NumberOrNone(values[design::kSort]), TextOrNone(values[design::kClassContent]), back ? Value(*back) : BackLine},
+      {InputTitle, OrderNo, Sort, ClassContent, BackLine});
 }
 
 bool InOut::IsFlowRemark(const Value& StrValue) { return design::IsFlowRemark(TextOf(StrValue).view()); }

@@ -5,14 +5,26 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <string_view>
 
 #include "support/world.h"
 #include "talm_flow/construction.h"
+#include "talm_flow/conversion.h"
 #include "talm_flow/error.h"
 #include "talm_flow/in_out.h"
 #include "talm_flow/name.h"
+
+namespace talm_flow {
+
+/// How a value stands in the message of a failed comparison.
+inline void PrintTo(const Value& value, std::ostream* out) {
+  constexpr const char* kKinds[] = {"Null", "Boolean ", "whole ", "double ", "text "};
+  *out << kKinds[static_cast<int>(value.kind())] << JoinedText(value);
+}
+
+}  // namespace talm_flow
 
 namespace talm_flow::test {
 
