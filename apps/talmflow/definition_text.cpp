@@ -12,6 +12,7 @@
 #include "talm_flow/conversion.h"
 #include "talm_flow/host/reference_host.h"
 #include "talm_flow/in_out.h"
+#include "utf8.h"
 
 namespace talm_flow::program {
 namespace {
@@ -25,24 +26,6 @@ std::string ReadAll(const std::string& file) {
     throw UserError("cannot read \"" + file + "\": " + std::strerror(errno == 0 ? EIO : errno));
   }
   return text;
-}
-
-/// How long the well-formed UTF-8 sequence at the beginning is; 0 when there is none.
-std::size_t SequenceLength(std::string_view text) {
-  const auto at = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-  const auto continues = [&](std::size_t i) { return (at(i) & 0xC0U) == 0x80U; };
-  const auto lead = at(0);
-  if (lead < 0x80) return 1;
-  if (lead >= 0xC2 && lead <= 0xDF) return continues(1) ? 2 : 0;
-  if (lead >= 0xE0 && lead <= 0xEF) {
-    const bool second_fits = lead == 0xE0 ? at(1) >= 0xA0 : lead == 0xED ? at(1) <= 0x9F : true;
-    return continues(1) && second_fits && continues(2) ? 3 : 0;
-  }
-  if (lead >= 0xF0 && lead <= 0xF4) {
-    const bool second_fits = lead == 0xF0 ? at(1) >= 0x90 : lead == 0xF4 ? at(1) <= 0x8F : true;
-    return continues(1) && second_fits && continues(2) && continues(3) ? 4 : 0;
-  }
-  return 0;
 }
 
 std::string Place(const std::string& file, std::size_t line) {

@@ -43,6 +43,7 @@ int Run(int argc, char** argv) {
   AddRecordSubcommands(app, subcommands);
   AddTransferSubcommands(app, subcommands);
   AddCatalogueSubcommands(app, subcommands);
+  AddDrawSubcommands(app, subcommands);
   AddRunSubcommands(app, subcommands);
   AddListSubcommands(app, subcommands);
   AddLateBoundSubcommands(app, subcommands);

@@ -60,6 +60,7 @@ void AddFormSubcommands(CLI::App& parent, Subcommands& all);       // form add, 
 void AddRecordSubcommands(CLI::App& parent, Subcommands& all);     // record add, record show
 void AddTransferSubcommands(CLI::App& parent, Subcommands& all);   // import, export
 void AddCatalogueSubcommands(CLI::App& parent, Subcommands& all);  // flows, show
+void AddDrawSubcommands(CLI::App& parent, Subcommands& all);       // draw
 void AddRunSubcommands(CLI::App& parent, Subcommands& all);        // run, approve, finish
 void AddListSubcommands(CLI::App& parent, Subcommands& all);       // tasks, instances, variables, timers
 void AddLateBoundSubcommands(CLI::App& parent, Subcommands& all);  // call, rpc
