@@ -52,7 +52,8 @@ class UnitOfWork {
    public:
     template <typename Work>
     explicit Callable(Work& work)
-        : work_(static_cast<void*>(std::addressof(work))), call_([](void* held) { (*static_cast<Work*>(held))(); }) {}
+        : work_(const_cast<void*>(static_cast<const void*>(std::addressof(work)))),
+          call_([](void* held) { (*static_cast<Work*>(held))(); }) {}
     void operator()() const { call_(work_); }
 
    private:
