@@ -23,7 +23,7 @@ class FlowControlTest : public testing::Test {
     world_.Step(flow_id, flow_no, parent_no, "C_39");
     world_.Parameter(flow_id, flow_no, "C_39_1", "Global_path");
     world_.Parameter(flow_id, flow_no, "C_39_2",
-                     "Global_path+\"" + std::to_string(flow_id) + "." + std::to_string(flow_no) + " \"");
+                     "Global_path+\"f" + std::to_string(flow_id) + "." + std::to_string(flow_no) + " \"");
   }
   std::string Path() {
     return world_.Row("select VariableValue from WorkFlowVariable where VariableName='Global_path'");
@@ -139,7 +139,7 @@ TEST_F(FlowControlTest, AStepNumberIsRoundedToItsWholeNumber) {
   world_.Parameter(7, 1, "C_16_1", " 1.7 ");
   auto context = Context();
   command_.C_16(context);
-  EXPECT_EQ(Path(), "7.2 ");
+  EXPECT_EQ(Path(), "f7.2 ");
   world_.Parameter(7, 3, "C_16_1", "3000000000");
   call_.flow_no = 3;
   EXPECT_THROW(command_.C_16(context), OverflowError);
@@ -156,7 +156,7 @@ TEST_F(FlowControlTest, AJumpRunsItsTargetInPlaceOfItsChildren) {
   Noting(7, 5, 9);
   Noting(7, 6, 5);
   Start();
-  EXPECT_EQ(Path(), "7.1 7.5 7.6 7.4 ");
+  EXPECT_EQ(Path(), "f7.1 f7.5 f7.6 f7.4 ");
 }
 
 TEST_F(FlowControlTest, AJumpToItselfDoesNothing) {
@@ -196,7 +196,7 @@ TEST_F(FlowControlTest, AMomentThatHasRunTooOftenIsSkippedButItsChildrenRun) {
   world_.Run("insert into WorkFlowExecuteTimes (ExecuteID,FlowNo,Times) Values (901,1,200)");
   auto context = Context();
   command_.FlowExecuteByExecuteID(context);
-  EXPECT_EQ(Path(), "7.2 ");
+  EXPECT_EQ(Path(), "f7.2 ");
   EXPECT_EQ(world_.Row("select count(*) from WorkFlowExecute"), "0");
   EXPECT_EQ(world_.Row("select Times from WorkFlowExecuteTimes"), "200");
 }
@@ -248,7 +248,7 @@ TEST_F(FlowControlTest, AChildFlowThatRunsToItsEndLetsItsParentGoOnAtOnce) {
   Noting(8, 1, 0);
   Noting(8, 2, 1);
   Start();
-  EXPECT_EQ(Path(), "7.1 8.1 8.2 7.3 7.4 ");
+  EXPECT_EQ(Path(), "f7.1 f8.1 f8.2 f7.3 f7.4 ");
   EXPECT_EQ(world_.Row("select count(*) from WorkFlowExecuteID"), "0");
   EXPECT_EQ(world_.Row("select count(*) from WorkFlowChildRec"), "0");
 }
@@ -298,7 +298,7 @@ TEST_F(FlowControlTest, AChildThatMarksItselfAgainResumesItsParent) {
   world_.Step(8, 1, 0, "C_73");
   world_.Step(8, 2, 1, "C_74");
   Start();
-  EXPECT_EQ(Path(), "7.2 ");
+  EXPECT_EQ(Path(), "f7.2 ");
 }
 
 TEST_F(FlowControlTest, AChildThatWaitsKeepsItsLinkAndItsParentWaiting) {

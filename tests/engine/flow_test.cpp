@@ -19,7 +19,7 @@ class FlowTest : public testing::Test {
   void NotingStep(int flow_no, int parent_no) {
     world_.Step(7, flow_no, parent_no, "C_39");
     world_.Parameter(7, flow_no, "C_39_1", "Global_path");
-    world_.Parameter(7, flow_no, "C_39_2", "Global_path+\"" + std::to_string(flow_no) + " \"");
+    world_.Parameter(7, flow_no, "C_39_2", "Global_path+\"s" + std::to_string(flow_no) + " \"");
   }
   std::string Path() {
     return world_.Row("select VariableValue from WorkFlowVariable where VariableName='Global_path'");
@@ -81,7 +81,7 @@ TEST_F(FlowTest, TheWalkIsDepthFirstInRowOrder) {
   NotingStep(4, 9);
   NotingStep(3, 2);
   Start();
-  EXPECT_EQ(Path(), "1 9 5 4 2 3 ");
+  EXPECT_EQ(Path(), "s1 s9 s5 s4 s2 s3 ");
 }
 
 TEST_F(FlowTest, UnknownNamesRunNothingAndGoOn) {
@@ -91,7 +91,7 @@ TEST_F(FlowTest, UnknownNamesRunNothingAndGoOn) {
   world_.Step(7, 4, 3, "");
   NotingStep(5, 4);
   Start();
-  EXPECT_EQ(Path(), "5 ");
+  EXPECT_EQ(Path(), "s5 ");
 }
 
 TEST_F(FlowTest, AWaitingStepDoesNotStopItsSiblings) {
@@ -101,7 +101,7 @@ TEST_F(FlowTest, AWaitingStepDoesNotStopItsSiblings) {
   NotingStep(3, 2);
   NotingStep(4, 1);
   Start();
-  EXPECT_EQ(Path(), "1 4 ");
+  EXPECT_EQ(Path(), "s1 s4 ");
 }
 
 TEST_F(FlowTest, AConditionThatFailsStopsOnlyItsOwnSubtree) {
@@ -117,7 +117,7 @@ TEST_F(FlowTest, AConditionThatFailsStopsOnlyItsOwnSubtree) {
   world_.Parameter(7, 4, "C_11_3", "1");
   NotingStep(5, 4);
   Start();
-  EXPECT_EQ(Path(), "1 5 ");
+  EXPECT_EQ(Path(), "s1 s5 ");
 }
 
 TEST_F(FlowTest, TheTenThousandAndFirstChildIsNeverRun) {
@@ -138,7 +138,7 @@ TEST_F(FlowTest, RunningAStepByItsInstanceRunsTheStepAndItsSubtree) {
   call.flow_no = 2;
   auto context = call.On(world_.connection());
   command_.FlowExecuteByExecuteID(context);
-  EXPECT_EQ(Path(), "2 3 ");
+  EXPECT_EQ(Path(), "s2 s3 ");
   EXPECT_EQ(world_.trace().front(), "Select Top 1 Command from WorkFlowConstruction where FlowID=7 and FlowNo=2");
 }
 
@@ -160,7 +160,7 @@ TEST_F(FlowTest, RunningTheChildrenLeavesTheStepItselfAlone) {
   Invocation call;
   auto context = call.On(world_.connection());
   command_.NextCommand(context);
-  EXPECT_EQ(Path(), "2 3 ");
+  EXPECT_EQ(Path(), "s2 s3 ");
 }
 
 TEST_F(FlowTest, AFailingStatementEndsTheCallAndLeavesWhatWasWritten) {

@@ -32,7 +32,7 @@ class ResumptionTest : public testing::Test {
     world_.Step(flow_id, flow_no, parent_no, "C_39");
     world_.Parameter(flow_id, flow_no, "C_39_1", "path");
     world_.Parameter(flow_id, flow_no, "C_39_2",
-                     "path+\"" + std::to_string(flow_id) + "." + std::to_string(flow_no) + " \"");
+                     "path+\"f" + std::to_string(flow_id) + "." + std::to_string(flow_no) + " \"");
   }
   void Link(int execute_parent) {
     world_.Run(
@@ -53,21 +53,21 @@ TEST_F(ResumptionTest, AnInstanceThatIsGoneDoesNothing) {
 
 TEST_F(ResumptionTest, OnlyTheChildrenOfTheWaitingStepRun) {
   command_.FlowExecuteAfter(world_.connection(), 1, 3);
-  EXPECT_EQ(Path(), "7.4 ");
+  EXPECT_EQ(Path(), "f7.4 ");
   EXPECT_EQ(world_.trace().back(), "select Top 1 * from WorkFlowChildRec where ChildExecuteID=1");
 }
 
 TEST_F(ResumptionTest, AFinishedChildLetsItsParentGoOnBelowTheStepThatStartedIt) {
   Link(1);
   command_.FlowExecuteAfter(world_.connection(), 2, 1);
-  EXPECT_EQ(Path(), "8.2 7.4 ");
+  EXPECT_EQ(Path(), "f8.2 f7.4 ");
   EXPECT_EQ(Links(), "0");
 }
 
 TEST_F(ResumptionTest, AChildThatSaysSoLeavesItsParentWhereItIs) {
   Link(0);
   command_.FlowExecuteAfter(world_.connection(), 2, 1);
-  EXPECT_EQ(Path(), "8.2 ");
+  EXPECT_EQ(Path(), "f8.2 ");
   EXPECT_EQ(Links(), "0");
 }
 
@@ -75,7 +75,7 @@ TEST_F(ResumptionTest, AChildWithSomethingOpenKeepsItsLink) {
   Link(1);
   world_.Run("Insert Into DataApp (ExecuteID,FlowNo) Values (2,1)");
   command_.FlowExecuteAfter(world_.connection(), 2, 1);
-  EXPECT_EQ(Path(), "8.2 ");
+  EXPECT_EQ(Path(), "f8.2 ");
   EXPECT_EQ(Links(), "1");
 }
 
