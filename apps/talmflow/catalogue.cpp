@@ -18,8 +18,9 @@ class Flows : public Subcommand {
 
   void Run(const GlobalOptions& options) override {
     Workspace workspace(options, Need::kComplete);
-    Listing listing({"Flow", "Name", "Creater", "Steps", "Remark"});
+    Listing listing;
     workspace.Together([&] {
+      listing = Listing({"Flow", "Name", "Creater", "Steps", "Remark"});
       const auto flows = Name(workspace.services()).GetRs(workspace.connection());
       for (; !flows->AtEnd(); flows->MoveNext()) {
         const auto flow = flows->Field("FlowID");

@@ -12,6 +12,7 @@ namespace talm_flow::program {
 
 class Listing {
  public:
+  Listing() = default;
   /// @param columns  the columns' headings; in lower case, with "_" for a blank, the members of the JSON objects.
   explicit Listing(std::vector<std::string> columns) : columns_(std::move(columns)) {}
 

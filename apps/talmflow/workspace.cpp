@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "talm_flow/conversion.h"
+#include "talm_flow/host/unit_of_work.h"
 
 namespace talm_flow::program {
 namespace {
@@ -92,16 +93,17 @@ Workspace::Workspace(const GlobalOptions& options, Need need)
 }
 
 void Workspace::Together(const std::function<void()>& work) {
+  const auto watched_work = [&] {
+    new_instance_.reset();
+    place_.clear();
+    work();
+  };
   try {
-    if (!together_) return work();
-    database_->Begin();
-    try {
-      work();
-    } catch (...) {
-      if (database_->InTransaction()) database_->Rollback();
-      throw;
+    if (together_) {
+      host::UnitOfWork(*database_).Run(watched_work);
+    } else {
+      watched_work();
     }
-    database_->Commit();
   } catch (const FlowError& error) {
     throw UserError(place_ + Told(error));
   }

@@ -42,7 +42,8 @@ class Workspace {
   [[nodiscard]] Connection& connection() { return watched_; }
   [[nodiscard]] const host::Services& services() const { return services_; }
 
-  /// Runs `work` so that either all of what it writes stays or nothing.
+  /// Runs `work` so that either all of what it writes stays or nothing. It may be run again from its start when another
+  /// connection is in the way.
   /// @throws UserError  `work` raised an error of the library; tells where it happened.
   void Together(const std::function<void()>& work);
 
