@@ -1,8 +1,9 @@
 #include "definition_text.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -19,12 +20,14 @@ namespace {
 
 std::string ReadAll(const std::string& file) {
   if (file == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
+  const auto fail = [&](int reason) { throw UserError("cannot read \"" + file + "\": " + std::strerror(reason)); };
+  // A folder opens like a file and fails only later, without a reason.
+  if (std::filesystem::is_directory(file)) fail(EISDIR);
   errno = 0;
   std::ifstream stream(file, std::ios::binary);
+  if (!stream) fail(errno == 0 ? EIO : errno);
   std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream || errno == EISDIR) {
-    throw UserError("cannot read \"" + file + "\": " + std::strerror(errno == 0 ? EIO : errno));
-  }
+  if (stream.bad()) fail(EIO);
   return text;
 }
 

@@ -93,7 +93,7 @@ Workspace::Workspace(const GlobalOptions& options, Need need)
 }
 
 void Workspace::Together(const std::function<void()>& work) {
-  const auto watched_work = [&] {
+  auto watched_work = [&] {
     new_instance_.reset();
     place_.clear();
     work();

@@ -205,7 +205,7 @@ TEST_F(DefinitionsTest, AFlowIsShownAsJson) {
               "FunctionParameterBegin\nInputTitle:Amount\nOrderNo:1\nSort:2\nClassContent:\nFunctionParameterEnd\n");
   Write("leave.txt", text);
   (void)Succeed({"import", "leave.txt"});
-  const auto shown = SucceedJson({"show", "1"});
+  auto shown = SucceedJson({"show", "1"});
   EXPECT_EQ(shown["name"], "leave");
   EXPECT_EQ(shown["remark"], "Leave");
   EXPECT_EQ(shown["steps"],

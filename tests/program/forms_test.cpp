@@ -63,7 +63,7 @@ TEST_F(FormsTest, ARecordMayNameItsWriterAndMoment) {
   AddForm();
   EXPECT_EQ(SucceedJson({"record", "add", "12", "Name=lee", "inputtime=2026-01-01 08:00"}),
             (nlohmann::json{{"table", 12}, {"record", 1}}));
-  const auto record = SucceedJson({"record", "show", "12/1"});
+  auto record = SucceedJson({"record", "show", "12/1"});
   EXPECT_EQ(record["name"], "lee");
   EXPECT_EQ(record["inputtime"], "2026-01-01 08:00:00");
   EXPECT_EQ(record["REASON"], nullptr);

@@ -23,7 +23,7 @@ class RpcTest : public TalmflowTest {
     return answers;
   }
   json Only(const std::string& input, const Words& options = {}) const {
-    const auto answers = Session(input, options);
+    auto answers = Session(input, options);
     EXPECT_EQ(answers.size(), 1U);
     return answers.empty() ? json() : answers.front();
   }
@@ -64,7 +64,7 @@ TEST_F(RpcTest, RowSetsAreArraysOfObjectsInColumnOrder) {
 }
 
 TEST_F(RpcTest, StatementsRunOnTheSameConnection) {
-  const auto answers = Session(
+  auto answers = Session(
       Request("Connection.Execute", {"Insert Into WorkFlowName (FlowName) Values ('Leave')"}) +
       Request("Connection.Execute", {"Select Top 1 FlowID,FlowName,Creater from WorkFlowName"}) +
       Request("Name.FlowExists", {1}) + Request("Connection.Execute", {"select FlowID from WorkFlowName where 1=0"}));
@@ -95,7 +95,7 @@ TEST_F(RpcTest, WithoutATraceNoStatementsAreTold) {
 }
 
 TEST_F(RpcTest, TheClockMayStandStill) {
-  const auto answers = Session(
+  auto answers = Session(
       Request(
           "Connection.Execute",
           {"Insert Into WorkFlowParameter (FlowID,FlowNo,ParameterName,ParameterData) Values (1,1,'C_60_1','now')"}) +
@@ -114,7 +114,7 @@ struct ErrorCase {
 class RpcErrorTest : public RpcTest, public testing::WithParamInterface<ErrorCase> {};
 
 TEST_P(RpcErrorTest, IsAnsweredAndTheSessionGoesOn) {
-  const auto answers = Session(GetParam().line + "\n" + Request("Name.MaxFlowID", json::array(), "next"));
+  auto answers = Session(GetParam().line + "\n" + Request("Name.MaxFlowID", json::array(), "next"));
   ASSERT_EQ(answers.size(), 2U);
   EXPECT_EQ(answers[0]["error"]["code"], GetParam().code) << answers[0];
   EXPECT_FALSE(answers[0]["error"]["message"].get<std::string>().empty());
@@ -150,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& test) { return test.param.name; });
 
 TEST_F(RpcTest, MissingAndSurplusArgumentsAreNamed) {
-  const auto answers = Session(Request("Name.Add", {"x"}) + Request("Name.FlowExists", {1, 2, 3}));
+  auto answers = Session(Request("Name.Add", {"x"}) + Request("Name.FlowExists", {1, 2, 3}));
   EXPECT_EQ(answers[0]["error"]["code"], -32602);
   EXPECT_EQ(answers[0]["error"]["message"],
             "Name.Add: the argument Creater is missing; expected (FlowName,Creater,Remark)");
@@ -181,7 +181,7 @@ TEST_F(RpcTest, NothingIsTakenBackWhenACallFails) {
 }
 
 TEST_F(RpcTest, ABatchIsAnsweredByAnArray) {
-  const auto answer = Only(R"([{"jsonrpc":"2.0","id":1,"method":"Name.Add","params":["a","",""]}, 5,)"
+  auto answer = Only(R"([{"jsonrpc":"2.0","id":1,"method":"Name.Add","params":["a","",""]}, 5,)"
                            R"({"jsonrpc":"2.0","method":"Name.Add","params":["b","",""]},)"
                            R"({"jsonrpc":"2.0","id":2,"method":"Name.MaxFlowID"}])"
                            "\n");
@@ -193,7 +193,7 @@ TEST_F(RpcTest, ABatchIsAnsweredByAnArray) {
 }
 
 TEST_F(RpcTest, NotificationsAreCarriedOutWithoutAnAnswer) {
-  const auto answers = Session(
+  auto answers = Session(
       "{\"jsonrpc\":\"2.0\",\"method\":\"Name.Add\",\"params\":[\"a\",\"\",\"\"]}\n"
       "{\"jsonrpc\":\"2.0\",\"method\":\"Nobody.Add\"}\n"
       "[{\"jsonrpc\":\"2.0\",\"method\":\"Name.Add\",\"params\":[\"b\",\"\",\"\"]}]\n" +
@@ -213,7 +213,7 @@ TEST_F(RpcTest, LinesMayBeVeryLong) {
 }
 
 TEST_F(RpcTest, NumbersKeepTheirKind) {
-  const auto params = Only(R"({"jsonrpc":"2.0","id":1,"method":"Command.ExecuteIDExists","params":)"
+  auto params = Only(R"({"jsonrpc":"2.0","id":1,"method":"Command.ExecuteIDExists","params":)"
                            R"([0,9007199254740993,1.5,1.0,18446744073709551615,true,null,"\u0000x",-3]})"
                            "\n")["result"]["params"];
   EXPECT_EQ(params[1], 9007199254740993);
@@ -228,7 +228,7 @@ TEST_F(RpcTest, NumbersKeepTheirKind) {
 }
 
 TEST_F(RpcTest, BytesThatAreNoUtf8AreReplaced) {
-  const auto answers = Session(Request("Connection.Execute", {"select cast(x'41FF42' as text) as t"}));
+  auto answers = Session(Request("Connection.Execute", {"select cast(x'41FF42' as text) as t"}));
   EXPECT_EQ(answers[0]["result"]["value"][0]["t"],
             "A\xEF\xBF\xBD"
             "B");

@@ -47,7 +47,7 @@ TEST_F(RunTest, AFlowThatWaitsTellsForWhat) {
 
 TEST_F(RunTest, TheStandingIsGivenAsJson) {
   Import("leave", {kFillIn});
-  const auto standing =
+  auto standing =
       SucceedJson({"run", "leave", "--record", "12/1", "--operator", "kim", "--ip", "10.0.0.7", "--other", "13/1"});
   EXPECT_EQ(standing["instance"], 1);
   EXPECT_EQ(standing["flow"], 1);
@@ -119,7 +119,7 @@ TEST_F(RunTest, TheFlowGoesOnWhenEveryApproverHasApproved) {
 TEST_F(RunTest, OneApprovalIsEnoughWhenItIsToldSo) {
   Import("leave", {kApproval, kNote});
   (void)Start("leave");
-  const auto report = SucceedJson({"approve", "A2", "--any"});
+  auto report = SucceedJson({"approve", "A2", "--any"});
   EXPECT_EQ(report["task"], "A2");
   EXPECT_EQ(report["outcome"], "approved");
   EXPECT_EQ(report["went_on"], true);
@@ -211,11 +211,11 @@ TEST_F(RunTest, VariablesOfAnUnknownInstanceAreNoVariables) {
 TEST_F(RunTest, TimersAreListed) {
   EXPECT_EQ(Succeed({"timers"}), "There are no timers.\n");
   Import("timers", {{1, 0, "C_15", {"3", "60", "3"}}, {2, 1, "C_86", {"\"2026-02-01 08:00\"", "3"}}, {3, 9, "C_73"}});
-  const auto standing = SucceedJson({"run", "timers", "--record", "12/1", "--operator", "kim"});
+  auto standing = SucceedJson({"run", "timers", "--record", "12/1", "--operator", "kim"});
   EXPECT_EQ(standing["ended"], false);
   EXPECT_EQ(standing["timers"].size(), 2U);
   (void)Rows("update WorkFlowExecute set HaveExeTimes=1");
-  const auto timers = SucceedJson({"timers"});
+  auto timers = SucceedJson({"timers"});
   ASSERT_EQ(timers.size(), 2U);
   EXPECT_EQ(timers[0], nlohmann::json::parse(R"({"timer":1,"instance":1,"step":3,"command":"C_15","runs":3,"done":1,
                                                  "interval":60,"moment":null,"live":true})"));

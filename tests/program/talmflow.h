@@ -21,7 +21,7 @@ class TalmflowTest : public testing::Test {
   [[nodiscard]] ProgramResult Talmflow(const Words& words, std::string_view input = {},
                                        std::vector<std::string> environment = {}) const {
     environment.emplace_back("USER=kim");
-    environment.emplace_back("TALM_FLOW_DB=");
+    environment.emplace_back("TALMFLOW_DB=");
     return RunProgram(TALM_FLOW_PROGRAM, words, folder_, input, environment);
   }
 

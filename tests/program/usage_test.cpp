@@ -107,7 +107,7 @@ TEST_F(UsageTest, InitCreatesTheTablesOnce) {
 }
 
 TEST_F(UsageTest, TheEnvironmentNamesTheDatabaseUnlessTheCommandLineDoes) {
-  const auto result = RunProgram(TALM_FLOW_PROGRAM, {"init"}, TemporaryFolder(), {}, {"TALM_FLOW_DB=sqlite::memory:"});
+  const auto result = RunProgram(TALM_FLOW_PROGRAM, {"init"}, TemporaryFolder(), {}, {"TALMFLOW_DB=sqlite::memory:"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.out, StartsWith("sqlite::memory:: created"));
 }
