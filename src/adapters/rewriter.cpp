@@ -357,7 +357,7 @@ class Rewriter {
     for (const Edit& edit : edits_) {
       CopyTo(edit.at);
       result_.text += edit.inserted;
-      copied_ = edit.at + edit.removed;
+      copied_ = std::max(copied_, edit.at + edit.removed);
     }
     CopyTo(shape_.size());
   }
