@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "adapters/sqlite_schema.h"
@@ -14,6 +15,8 @@
 
 namespace talm_flow::adapters {
 namespace {
+
+constexpr std::string_view kOwnTables = "sqlite_";
 
 struct Column {
   std::string name;
@@ -42,6 +45,8 @@ std::vector<Column> ColumnsOfTable(sqlite3* database, const TableName& table) {
 
 TableKey SqliteTableKeys::Find(const TableName& table) {
   TableKey key;
+  // The engine's own tables answer to names by which their columns cannot be qualified.
+  if (EqualIgnoringAsciiCase(table.name.substr(0, kOwnTables.size()), kOwnTables)) return key;
   const std::vector<Column> columns = ColumnsOfTable(database_, table);
   if (columns.empty()) return key;
   std::map<int, std::string> primary;

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/rows.h"
@@ -127,6 +128,25 @@ TEST_F(OpenTest, AStatementKeptPreparedFollowsAnotherConnectionsChangeOfTheTable
   (void)other->Execute("alter table t add column b default 2");
   EXPECT_THAT(RowsOf(*one, "select * from t"), ElementsAre("1|2"));
   EXPECT_EQ(one->Open("select * from t")->Field("b"), Value(2));
+}
+
+TEST_F(OpenTest, ManyMayOpenAndCreateTheSameDatabaseAtOnce) {
+  std::vector<std::string> errors(4);
+  std::vector<std::thread> threads;
+  for (std::string& error : errors) {
+    threads.emplace_back([&error, url = Url("a.db")] {
+      try {
+        const auto database = Open(url);
+        database->CreateTables();
+        (void)database->Execute("insert into DataNotice (Sort) values (1)");
+      } catch (const std::exception& raised) {
+        error = raised.what();
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_THAT(errors, testing::Each(""));
+  EXPECT_THAT(RowsOf(*Open(Url("a.db")), "select count(*) from DataNotice"), ElementsAre("4"));
 }
 
 TEST_F(OpenTest, AnOpenRowSetDoesNotKeepItsConnectionFromWritingLater) {
