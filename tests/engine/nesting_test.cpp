@@ -77,17 +77,21 @@ TEST_F(NestingTest, ACyclicTreeEndsInAnError) {
 }
 
 TEST_F(NestingTest, AJumpBeginsTheCountOfLevelsAnew) {
-  // 20,000 levels, a jump, and 20,000 levels again.
+  // Twice down 20,000 levels with one jump back: more levels in all than a tree may have.
   world_.Run("begin");
   CountFromZero();
   world_.Step(7, 1, 0, "none");
-  for (int step = 2; step < 20000; ++step) world_.Step(7, step, step - 1, "none");
-  world_.Step(7, 20000, 19999, "C_16");
-  world_.Parameter(7, 20000, "C_16_1", "2");
-  Counting(20001, 19999);
+  Counting(2, 1);
+  for (int step = 3; step < 20000; ++step) world_.Step(7, step, step - 1, "none");
+  world_.Step(7, 20000, 19999, "C_11");
+  world_.Parameter(7, 20000, "C_11_1", "Global_n");
+  world_.Parameter(7, 20000, "C_11_2", "<");
+  world_.Parameter(7, 20000, "C_11_3", "2");
+  world_.Step(7, 20001, 20000, "C_16");
+  world_.Parameter(7, 20001, "C_16_1", "2");
   world_.Run("commit");
   StartOnSmallStack();
-  EXPECT_EQ(Count(), "201");
+  EXPECT_EQ(Count(), "2");
 }
 
 TEST_F(NestingTest, AThousandChildFlowsInsideEachOtherWork) {
