@@ -817,7 +817,7 @@ constexpr bool CompleteAndOrdered() {
   int number = 0;
   for (const CommandRow& row : kCommands) {
     ++number;
-    if (row.number != number || row.handler == nullptr || row.title.empty() || row.summary.empty()) return false;
+    if (row.number != number || row.title.empty() || row.summary.empty()) return false;
     // "C_" and the number.
     const auto digits = row.name.substr(2);
     const bool spelt = number < 10 ? digits.size() == 1 && digits[0] - '0' == number
