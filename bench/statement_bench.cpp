@@ -1,11 +1,12 @@
 /// What a statement costs through the adapter, text in and row out, beside the same on the bare engine with a statement
-/// prepared once and its parameters bound.
+/// prepared once and its parameters bound. The argument tells where the database is: 0 in memory, 1 in a file.
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
 #include <cstddef>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,10 +27,22 @@ void Require(bool done) {
   if (!done) std::abort();
 }
 
-std::unique_ptr<talm_flow::adapters::Database> FilledDatabase() {
-  auto database = talm_flow::adapters::Open("sqlite::memory:");
+/// A new file's name, or nothing for a database in memory.
+std::string FreshFile(const benchmark::State& state) {
+  if (state.range(0) == 0) return {};
+  const auto file = std::filesystem::temp_directory_path() / "talm_flow_statement_bench.db";
+  for (const char* const part : {"", "-wal", "-shm"}) std::filesystem::remove(file.string() + part);
+  return file.string();
+}
+
+std::unique_ptr<talm_flow::adapters::Database> FilledDatabase(const benchmark::State& state) {
+  const std::string file = FreshFile(state);
+  auto database =
+      talm_flow::adapters::Open(file.empty() ? "sqlite::memory:" : "sqlite:" + file + "?synchronous=normal");
   database->CreateTables();
+  database->Begin();
   for (int step = 1; step <= kSteps; ++step) (void)database->Execute(StepRow(step));
+  database->Commit();
   return database;
 }
 
@@ -47,18 +60,24 @@ struct Finalize {
 using BareDatabase = std::unique_ptr<sqlite3, Finalize>;
 using BareStatement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
-BareDatabase FilledBareDatabase() {
+BareDatabase FilledBareDatabase(const benchmark::State& state) {
+  const std::string file = FreshFile(state);
   sqlite3* opened = nullptr;
-  Require(sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) == SQLITE_OK);
+  Require(sqlite3_open_v2(file.empty() ? ":memory:" : file.c_str(), &opened,
+                          SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr) == SQLITE_OK);
   BareDatabase database(opened);
   // The adapter's own settings.
-  Require(sqlite3_exec(opened, "pragma cache_size=-16384; pragma temp_store=memory", nullptr, nullptr, nullptr) ==
-          SQLITE_OK);
+  Require(sqlite3_exec(
+              opened,
+              "pragma cache_size=-16384; pragma temp_store=memory; pragma journal_mode=wal; pragma synchronous=normal",
+              nullptr, nullptr, nullptr) == SQLITE_OK);
   const std::string script = talm_flow::adapters::SchemaScript("sqlite");
   Require(sqlite3_exec(opened, script.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK);
+  Require(sqlite3_exec(opened, "begin", nullptr, nullptr, nullptr) == SQLITE_OK);
   for (int step = 1; step <= kSteps; ++step) {
     Require(sqlite3_exec(opened, StepRow(step).c_str(), nullptr, nullptr, nullptr) == SQLITE_OK);
   }
+  Require(sqlite3_exec(opened, "commit", nullptr, nullptr, nullptr) == SQLITE_OK);
   return database;
 }
 
@@ -75,7 +94,7 @@ std::string ColumnText(sqlite3_stmt* statement, int column) {
 }
 
 void PointQueryThroughAdapter(benchmark::State& state) {
-  const auto database = FilledDatabase();
+  const auto database = FilledDatabase(state);
   const auto texts = Texts("Select Top 1 Command from WorkFlowConstruction where FlowID=7 and FlowNo=");
   std::size_t step = 0;
   for (auto _ : state) {
@@ -84,10 +103,10 @@ void PointQueryThroughAdapter(benchmark::State& state) {
     benchmark::DoNotOptimize(rows->Field("Command"));
   }
 }
-BENCHMARK(PointQueryThroughAdapter);
+BENCHMARK(PointQueryThroughAdapter)->Arg(0)->Arg(1);
 
 void PointQueryOnBareEngine(benchmark::State& state) {
-  const auto database = FilledBareDatabase();
+  const auto database = FilledBareDatabase(state);
   const auto statement = Prepare(database,
                                  "select Command from WorkFlowConstruction where FlowID=? and FlowNo=? "
                                  "order by WorkFlowConstruction.rowid limit 1");
@@ -101,20 +120,20 @@ void PointQueryOnBareEngine(benchmark::State& state) {
     sqlite3_reset(statement.get());
   }
 }
-BENCHMARK(PointQueryOnBareEngine);
+BENCHMARK(PointQueryOnBareEngine)->Arg(0)->Arg(1);
 
 void ChangeThroughAdapter(benchmark::State& state) {
-  const auto database = FilledDatabase();
+  const auto database = FilledDatabase(state);
   const auto texts = Texts("update WorkFlowConstruction set Remark='another caption' where FlowID=7 and FlowNo=");
   std::size_t step = 0;
   for (auto _ : state) {
     (void)database->Execute(texts[step++ % kSteps]);
   }
 }
-BENCHMARK(ChangeThroughAdapter);
+BENCHMARK(ChangeThroughAdapter)->Arg(0)->Arg(1);
 
 void ChangeOnBareEngine(benchmark::State& state) {
-  const auto database = FilledBareDatabase();
+  const auto database = FilledBareDatabase(state);
   const auto statement = Prepare(database, "update WorkFlowConstruction set Remark=? where FlowID=? and FlowNo=?");
   int step = 0;
   for (auto _ : state) {
@@ -126,10 +145,10 @@ void ChangeOnBareEngine(benchmark::State& state) {
     sqlite3_reset(statement.get());
   }
 }
-BENCHMARK(ChangeOnBareEngine);
+BENCHMARK(ChangeOnBareEngine)->Arg(0)->Arg(1);
 
 void ThousandRowsThroughAdapter(benchmark::State& state) {
-  const auto database = FilledDatabase();
+  const auto database = FilledDatabase(state);
   for (auto _ : state) {
     const auto rows = database->Open("select Top 10000 FlowNo,Remark from WorkFlowConstruction where FlowID=7");
     for (; !rows->AtEnd(); rows->MoveNext()) {
@@ -139,10 +158,10 @@ void ThousandRowsThroughAdapter(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * kSteps);
 }
-BENCHMARK(ThousandRowsThroughAdapter);
+BENCHMARK(ThousandRowsThroughAdapter)->Arg(0)->Arg(1);
 
 void ThousandRowsOnBareEngine(benchmark::State& state) {
-  const auto database = FilledBareDatabase();
+  const auto database = FilledBareDatabase(state);
   const auto statement = Prepare(database,
                                  "select FlowNo,Remark from WorkFlowConstruction where FlowID=? "
                                  "order by WorkFlowConstruction.rowid limit 10000");
@@ -156,6 +175,6 @@ void ThousandRowsOnBareEngine(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations() * kSteps);
 }
-BENCHMARK(ThousandRowsOnBareEngine);
+BENCHMARK(ThousandRowsOnBareEngine)->Arg(0)->Arg(1);
 
 }  // namespace

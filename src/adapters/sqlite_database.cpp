@@ -45,7 +45,8 @@ SqliteDatabase::Shape SqliteDatabase::Find(std::string_view text) {
   if (!scanned_.unterminated) {
     const Shape* const known = shapes_.Find(scanned_.shape);
     if (known == nullptr) return Analyse(text);
-    return (*known)->rewritten.literals_inline ? FindInline(text, **known) : *known;
+    Shape shape = *known;
+    return shape->rewritten.literals_inline ? FindInline(text, *shape) : shape;
   }
   // The engine's own words for it, if it has any.
   SqliteShape as_it_is;
@@ -94,6 +95,7 @@ SqliteDatabase::Shape SqliteDatabase::Own(std::string_view text) {
   if (const Shape* const known = shapes_.Find(text)) return *known;
   auto shape = std::make_shared<SqliteShape>();
   shape->rewritten.text = text;
+  shape->rewritten.kind = StatementKind::kChange;
   if (!Prepare(*shape, text)) throw ErrorOf(database_.get(), text);
   return shapes_.Insert(text, std::move(shape));
 }
