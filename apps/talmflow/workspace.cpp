@@ -85,8 +85,8 @@ std::string Told(const FlowError& error) {
 Workspace::Workspace(const GlobalOptions& options, Need need)
     : trace_(options.trace),
       together_(!options.no_transaction),
-      database_(OpenDatabase(options.db, need)),
       host_(HostOptions(options.clock)),
+      database_(OpenDatabase(options.db, need)),
       services_(host_.services()),
       watched_(*database_, [this](std::string_view statement) { Watch(statement); }) {
   if (need == Need::kComplete) RequireTables(*database_, options.db);

@@ -63,8 +63,8 @@ class Workspace {
 
   bool trace_;
   bool together_;
-  std::unique_ptr<adapters::Database> database_;
   host::ReferenceHost host_;
+  std::unique_ptr<adapters::Database> database_;
   host::Services services_;
   host::TracingConnection watched_;
   std::optional<std::int64_t> new_instance_;

@@ -39,9 +39,8 @@ TEST_F(RpcTest, AnAnswerHoldsValueAndParams) {
 }
 
 TEST_F(RpcTest, AnswersComeInOrderWithTheirIds) {
-  const auto answers =
-      Session(Request("Name.Add", {"Leave", "kim", ""}, "a") + Request("Name.MaxFlowID", json::array(), 2) +
-              Request("Name.GetFlowName", {1}, nullptr) + Request("Name.GetFlowName", {1}, 1.5));
+  auto answers = Session(Request("Name.Add", {"Leave", "kim", ""}, "a") + Request("Name.MaxFlowID", json::array(), 2) +
+                         Request("Name.GetFlowName", {1}, nullptr) + Request("Name.GetFlowName", {1}, 1.5));
   ASSERT_EQ(answers.size(), 4U);
   EXPECT_EQ(answers[0]["id"], "a");
   EXPECT_EQ(answers[0]["result"]["value"], 0);
@@ -64,10 +63,10 @@ TEST_F(RpcTest, RowSetsAreArraysOfObjectsInColumnOrder) {
 }
 
 TEST_F(RpcTest, StatementsRunOnTheSameConnection) {
-  auto answers = Session(
-      Request("Connection.Execute", {"Insert Into WorkFlowName (FlowName) Values ('Leave')"}) +
-      Request("Connection.Execute", {"Select Top 1 FlowID,FlowName,Creater from WorkFlowName"}) +
-      Request("Name.FlowExists", {1}) + Request("Connection.Execute", {"select FlowID from WorkFlowName where 1=0"}));
+  auto answers = Session(Request("Connection.Execute", {"Insert Into WorkFlowName (FlowName) Values ('Leave')"}) +
+                         Request("Connection.Execute", {"Select Top 1 FlowID,FlowName,Creater from WorkFlowName"}) +
+                         Request("Name.FlowExists", {1}) +
+                         Request("Connection.Execute", {"select FlowID from WorkFlowName where 1=0"}));
   EXPECT_EQ(answers[0]["result"]["value"], nullptr);
   EXPECT_EQ(answers[0]["result"]["params"], json({"Insert Into WorkFlowName (FlowName) Values ('Leave')"}));
   EXPECT_EQ(answers[1]["result"]["value"], json::parse(R"([{"FlowID":1,"FlowName":"Leave","Creater":null}])"));
@@ -76,11 +75,10 @@ TEST_F(RpcTest, StatementsRunOnTheSameConnection) {
 }
 
 TEST_F(RpcTest, TheTraceTellsTheStatementsOfEachCall) {
-  const auto answers =
-      Session(Request("Name.Update", {1, "Leave", "kim", ""}) + Request("Command.GetVarTypeByName", {"x"}) +
-                  Request("Connection.Execute", {"select 1 as one"}) + Request("Name.FlowExists", {"x"}) +
-                  Request("Name.Nothing", json::array()) + "nonsense\n" + "[]\n",
-              {"--trace"});
+  auto answers = Session(Request("Name.Update", {1, "Leave", "kim", ""}) + Request("Command.GetVarTypeByName", {"x"}) +
+                             Request("Connection.Execute", {"select 1 as one"}) + Request("Name.FlowExists", {"x"}) +
+                             Request("Name.Nothing", json::array()) + "nonsense\n" + "[]\n",
+                         {"--trace"});
   EXPECT_EQ(answers[0]["result"]["statements"],
             json::parse(R"(["Select Top 1 FlowID from WorkFlowName Where FlowID=1"])"));
   EXPECT_EQ(answers[1]["result"]["statements"], json::array());
@@ -160,9 +158,9 @@ TEST_F(RpcTest, MissingAndSurplusArgumentsAreNamed) {
 }
 
 TEST_F(RpcTest, ErrorsOfTheComponentTellTheirKind) {
-  const auto answers =
-      Session(Request("Name.FlowExists", {"x"}) + Request("Command.SeparateTableID", {"TableID:70000", nullptr}) +
-              Request("Command.GetVariableValue", {1, 1, "10^400", 12, 1}));
+  auto answers = Session(Request("Name.FlowExists", {"x"}) +
+                         Request("Command.SeparateTableIDAndDataID", {"TableID:70000,DataID:1", nullptr, nullptr}) +
+                         Request("Command.GetVariableValue", {1, 1, "10^400", 12, 1}));
   EXPECT_EQ(answers[0]["error"]["code"], -32000);
   EXPECT_EQ(answers[0]["error"]["data"]["kind"], "DatabaseError");
   EXPECT_EQ(answers[0]["error"]["data"]["statement"], "Select Top 1 FlowID from WorkFlowName Where FlowID=x");
@@ -172,7 +170,7 @@ TEST_F(RpcTest, ErrorsOfTheComponentTellTheirKind) {
 }
 
 TEST_F(RpcTest, NothingIsTakenBackWhenACallFails) {
-  const auto answers =
+  auto answers =
       Session(Request("Connection.Execute", {"Insert Into WorkFlowName (FlowName) Values ('Leave')"}) +
               Request("InOut.CreatFlow", {1, "//\r\nVer:Flow_V600\r\nFlowRemark:new\r\nStepBegin\r\nFlowNo:x"}) +
               Request("Name.GetRemark", {1}));
@@ -182,9 +180,9 @@ TEST_F(RpcTest, NothingIsTakenBackWhenACallFails) {
 
 TEST_F(RpcTest, ABatchIsAnsweredByAnArray) {
   auto answer = Only(R"([{"jsonrpc":"2.0","id":1,"method":"Name.Add","params":["a","",""]}, 5,)"
-                           R"({"jsonrpc":"2.0","method":"Name.Add","params":["b","",""]},)"
-                           R"({"jsonrpc":"2.0","id":2,"method":"Name.MaxFlowID"}])"
-                           "\n");
+                     R"({"jsonrpc":"2.0","method":"Name.Add","params":["b","",""]},)"
+                     R"({"jsonrpc":"2.0","id":2,"method":"Name.MaxFlowID"}])"
+                     "\n");
   ASSERT_EQ(answer.size(), 3U);
   EXPECT_EQ(answer[0]["result"]["value"], 0);
   EXPECT_EQ(answer[1]["error"]["code"], -32600);
@@ -214,8 +212,8 @@ TEST_F(RpcTest, LinesMayBeVeryLong) {
 
 TEST_F(RpcTest, NumbersKeepTheirKind) {
   auto params = Only(R"({"jsonrpc":"2.0","id":1,"method":"Command.ExecuteIDExists","params":)"
-                           R"([0,9007199254740993,1.5,1.0,18446744073709551615,true,null,"\u0000x",-3]})"
-                           "\n")["result"]["params"];
+                     R"([0,9007199254740993,1.5,1.0,18446744073709551615,true,null,"\u0000x",-3]})"
+                     "\n")["result"]["params"];
   EXPECT_EQ(params[1], 9007199254740993);
   EXPECT_TRUE(params[1].is_number_integer());
   EXPECT_EQ(params[2], 1.5);

@@ -87,10 +87,10 @@ TEST_F(RunTest, AnErrorNamesFlowAndStepAndTakesEverythingBack) {
 
 TEST_F(RunTest, ADatabaseErrorNamesTheStatementToo) {
   Import("timer", {{1, 0, "C_8", {"DataID_Submit", "1"}}});
-  (void)Rows("create trigger no_more before insert on DataPro begin select raise(abort, 'not today'); end");
+  (void)Rows("alter table DataPro rename column TranEnable to Gone");
   const auto complaint = Fail(1, {"run", "timer", "--record", "12/1", "--operator", "kim"});
   EXPECT_THAT(complaint, StartsWith("talmflow: in flow 1 at step 1: the database refused the statement \""));
-  EXPECT_THAT(complaint, testing::EndsWith("\": not today\n"));
+  EXPECT_THAT(complaint, HasSubstr("TranEnable"));
 }
 
 TEST_F(RunTest, WithoutATransactionWhatWasWrittenBeforeAnErrorStays) {

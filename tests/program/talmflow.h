@@ -50,7 +50,9 @@ class TalmflowTest : public testing::Test {
   nlohmann::json Rows(const std::string& query) const {
     const nlohmann::json request = {
         {"jsonrpc", "2.0"}, {"id", 1}, {"method", "Connection.Execute"}, {"params", {query}}};
-    return nlohmann::json::parse(Succeed({"rpc"}, request.dump() + "\n"))["result"]["value"];
+    auto answer = nlohmann::json::parse(Succeed({"rpc"}, request.dump() + "\n"));
+    EXPECT_FALSE(answer.contains("error")) << answer;
+    return answer["result"]["value"];
   }
 
   void Write(const std::string& name, std::string_view bytes) const { WriteFile(folder_.path() / name, bytes); }
