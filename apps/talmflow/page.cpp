@@ -188,7 +188,10 @@ class Page {
 
   void WriteScripts() {
     out_ += "<script>" + arrays_ + "</script>\n";
-    Json data = {{"drawing", DrawingMarkup(workspace_, flow_, editable_)},
+    Json captions = Json::array();
+    for (const auto& step : steps_) captions.push_back({JoinedText(step.number), WellFormed(JoinedText(step.remark))});
+    Json data = {{"captions", std::move(captions)},
+                 {"drawing", DrawingMarkup(workspace_, flow_, editable_)},
                  {"commands", editable_ ? CommandsAsJson() : Json::object()}};
     // In data "<" could begin the end of the element that holds it.
     out_ += "<script type=\"application/json\" id=\"PageData\">" + ReplaceAll(Dump(data), "<", "\\u003c") +

@@ -10,6 +10,7 @@ const kElements = new Set(
 const kAttributes = new Set(
   ("align bgcolor border cellpadding cellspacing color height onclick valign width").split(" "));
 
+// Markup as nodes. A template is inert: nothing in it loads or runs while it is cleaned.
 function withoutStrangers(markup) {
   const template = document.createElement("template");
   template.innerHTML = markup;
@@ -26,7 +27,34 @@ function withoutStrangers(markup) {
   return template.content;
 }
 
-drawing.append(withoutStrangers(data.drawing));
+// The drawing with each caption taken out, and the captions. So that a caption with half a tag, an open comment or the
+// end of a table stays in its own box, every caption is read as markup by itself.
+function apart(markup) {
+  const box = /序号：(-?\d*)<br>父序：-?\d*<br>说明：/g;
+  // Of two steps with one number the first is drawn.
+  const stored = new Map([...data.captions].reverse());
+  const captions = [];
+  let rest = "";
+  let end = 0;
+  for (let found = box.exec(markup); found !== null; found = box.exec(markup)) {
+    const caption = stored.get(found[1]) ?? "";
+    if (!markup.startsWith(caption, box.lastIndex)) continue;
+    rest += `${markup.slice(end, box.lastIndex)}<span></span>`;
+    captions.push(caption);
+    end = box.lastIndex + caption.length;
+    box.lastIndex = end;
+  }
+  return [rest + markup.slice(end), captions];
+}
+
+function drawn() {
+  const [rest, captions] = apart(data.drawing);
+  const content = withoutStrangers(rest);
+  content.querySelectorAll("span").forEach((place, i) => place.append(withoutStrangers(captions[i] ?? "")));
+  return content;
+}
+
+drawing.append(drawn());
 
 // ---- The form of a step -------------------------------------------------------------------------------------------
 
