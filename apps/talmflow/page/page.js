@@ -89,6 +89,8 @@ function opendiv() {
   const editors = document.getElementById("Editors");
   editors.replaceChildren(editor("Remark", "Caption", ""), editor("ParentNo", "Parent step", ""),
                           ...parameterEditors(command, known));
+  // On a narrow screen the panel lies below the drawing.
+  panel.scrollIntoView({ block: "nearest" });
 }
 
 function parameterEditors(command, known) {
