@@ -5,6 +5,7 @@
 #include "talm_flow/command_catalogue.h"
 #include "talm_flow/conversion.h"
 #include "talm_flow/name.h"
+#include "talm_flow/text.h"
 #include "terminal.h"
 #include "tree.h"
 
@@ -71,7 +72,8 @@ class Show : public Subcommand {
     std::cout << Bold(Printable(JoinedText(name))) << " (flow " << flow << ")";
     if (!JoinedText(creater).empty()) std::cout << " by " << Printable(JoinedText(creater));
     std::cout << '\n';
-    if (!JoinedText(remark).empty()) std::cout << Printable(JoinedText(remark)) << '\n';
+    const auto remark_text = JoinedText(remark);
+    for (const auto line : Split(remark_text, "\r\n")) std::cout << Printable(line) << '\n';
     std::cout << '\n' << (steps.empty() ? "It has no steps.\n" : DrawTree(steps));
     if (!inputs.AsJson().empty()) {
       std::cout << "\nInput parameters:\n";

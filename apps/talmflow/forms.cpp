@@ -102,7 +102,7 @@ class FormList : public Subcommand {
 void AddFormSubcommands(CLI::App& parent, Subcommands& all) {
   auto* const form = parent.add_subcommand("form", "Create and list forms: the tables of documents");
   form->fallthrough()->require_subcommand(1);
-  form->footer("Examples:\n  talmflow form add 12 --unit REASON:InputText --unit DAYS:InputNum\n  talmflow form list");
+  form->footer(Examples("talmflow form add 12 --unit REASON:InputText --unit DAYS:InputNum\ntalmflow form list"));
   all.push_back(std::make_unique<FormAdd>(*form));
   all.push_back(std::make_unique<FormList>(*form));
 }

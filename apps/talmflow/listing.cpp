@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "talm_flow/conversion.h"
 #include "terminal.h"
 
 namespace talm_flow::program {
@@ -10,6 +11,7 @@ namespace {
 
 std::string Cell(const Json& json) {
   if (json.is_null()) return {};
+  if (json.is_number_float()) return NumberText(json.get<double>());
   return Printable(json.is_string() ? json.get_ref<const std::string&>() : Dump(json));
 }
 

@@ -32,8 +32,8 @@ int Complain(int status, const char* sentence) {
 int Run(int argc, char** argv) {
   CLI::App app("Runs and keeps workflows in a database.", "talmflow");
   app.footer(
-      "Examples:\n  talmflow init\n  talmflow import leave.txt\n  talmflow run leave --record 12/1 --operator kim\n"
-      "\nEvery subcommand tells its own options and examples with --help.");
+      Examples("talmflow init\ntalmflow import leave.txt\ntalmflow run leave --record 12/1 --operator kim\n"
+               "\nEvery subcommand tells its own options and examples with --help."));
   app.require_subcommand(1);
   GlobalOptions options;
   AddGlobalOptions(app, options);

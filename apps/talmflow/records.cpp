@@ -143,7 +143,7 @@ class RecordShow : public Subcommand {
 void AddRecordSubcommands(CLI::App& parent, Subcommands& all) {
   auto* const record = parent.add_subcommand("record", "Write and show form records: the documents that flows work on");
   record->fallthrough()->require_subcommand(1);
-  record->footer("Examples:\n  talmflow record add 12 DAYS=3\n  talmflow record show 12/1");
+  record->footer(Examples("talmflow record add 12 DAYS=3\ntalmflow record show 12/1"));
   all.push_back(std::make_unique<RecordAdd>(*record));
   all.push_back(std::make_unique<RecordShow>(*record));
 }

@@ -31,9 +31,8 @@ bool IsCall(const nlohmann::json& request) {
 
 /// A member "result" or "error" completed to an answer.
 Json Complete(Json answer, const nlohmann::json& id) {
-  Json complete = {{"jsonrpc", "2.0"}};
+  Json complete = {{"jsonrpc", "2.0"}, {"id", id}};
   complete.update(answer);
-  complete["id"] = id;
   return complete;
 }
 

@@ -1,23 +1,24 @@
 #include "subcommand.h"
 
+#include <algorithm>
+
 namespace talm_flow::program {
-namespace {
 
-std::string Footer(const std::string& examples) {
-  std::string footer = "Examples:\n  ";
-  for (const char c : examples) {
-    footer += c;
-    if (c == '\n') footer += "  ";
+std::string Examples(const std::string& lines) {
+  std::string text = "Examples:\n";
+  for (std::size_t begin = 0; begin < lines.size();) {
+    const auto end = std::min(lines.find('\n', begin), lines.size());
+    if (end > begin) text += "  " + lines.substr(begin, end - begin);
+    text += '\n';
+    begin = end + 1;
   }
-  return footer;
+  return text;
 }
-
-}  // namespace
 
 Subcommand::Subcommand(CLI::App& parent, const std::string& name, const std::string& description,
                        const std::string& examples)
     : app_(parent.add_subcommand(name, description)) {
-  app_->footer(Footer(examples));
+  app_->footer(Examples(examples));
   app_->fallthrough();
 }
 

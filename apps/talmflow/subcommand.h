@@ -33,6 +33,9 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Command lines, one a line, as they stand below a help text; what follows an empty line is prose.
+[[nodiscard]] std::string Examples(const std::string& lines);
+
 class Subcommand {
  public:
   /// @param examples  whole command lines, one a line, shown below the help.

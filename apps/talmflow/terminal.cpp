@@ -53,16 +53,20 @@ std::size_t DisplayWidth(std::string_view text) {
 std::string Printable(std::string_view text) {
   std::string result;
   result.reserve(text.size());
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    if (byte == '\n') {
+      result += " ↵ ";
+    } else if (byte == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
+      continue;
+    } else if (byte < 0x20) {
       // U+2400 + n pictures the control character n.
       result += "\xE2\x90";
       result += static_cast<char>(0x80 + byte);
     } else if (byte == 0x7F) {
-      result += "\xE2\x90\xA1";
+      result += "␡";
     } else {
-      result += c;
+      result += text[i];
     }
   }
   return result;

@@ -11,7 +11,8 @@ namespace talm_flow::program {
 /// How many columns of a terminal the text takes: East Asian wide characters take two.
 [[nodiscard]] std::size_t DisplayWidth(std::string_view text);
 
-/// The text with its control characters as visible signs, so that stored texts cannot steer the terminal.
+/// The text on one line: its line breaks as " ↵ ", other control characters as visible signs, so that stored texts
+/// cannot steer the terminal.
 [[nodiscard]] std::string Printable(std::string_view text);
 
 /// The text emphasised, or set back, when standard output is a terminal that may show colours.

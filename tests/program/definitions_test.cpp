@@ -156,11 +156,12 @@ TEST_F(DefinitionsTest, FlowsAreNamedByNumberOrName) {
 }
 
 TEST_F(DefinitionsTest, AFlowIsDrawnAsATree) {
-  Write("leave.txt", Definition(kSteps, "Leave requests"));
+  Write("leave.txt", Definition(kSteps, "Leave requests\nof all"));
   (void)Succeed({"import", "leave.txt", "--creater", "kim"});
   EXPECT_EQ(Succeed({"show", "leave"}),
             "leave (flow 1) by kim\n"
             "Leave requests\n"
+            "of all\n"
             "\n"
             "1 Assign text (C_22)  Count the days\n"
             "│    Variable: days\n"
@@ -185,6 +186,17 @@ TEST_F(DefinitionsTest, ACyclicTreeIsDrawnOnce) {
   EXPECT_THAT(Succeed({"show", "loop"}), testing::MatchesRegex("loop.*1 .*C_73.*2 .*C_74.\n"));
 }
 
+TEST_F(DefinitionsTest, ADeepChainIsDrawnInLinesOfBoundedLength) {
+  std::vector<StepText> steps;
+  for (int number = 1; number <= 2000; ++number) steps.push_back({number, number - 1, "C_73"});
+  Write("deep.txt", Definition(steps));
+  (void)Succeed({"import", "deep.txt"});
+  const auto shown = Succeed({"show", "deep"});
+  EXPECT_THAT(shown, HasSubstr("] "));
+  EXPECT_THAT(shown, HasSubstr("└─ 2000 "));
+  EXPECT_LT(shown.size(), 2000U * 200U);
+}
+
 TEST_F(DefinitionsTest, AFlowWithoutStepsIsShown) {
   Write("empty.txt", Definition({}));
   (void)Succeed({"import", "empty.txt"});
@@ -192,11 +204,11 @@ TEST_F(DefinitionsTest, AFlowWithoutStepsIsShown) {
 }
 
 TEST_F(DefinitionsTest, ControlCharactersOfStoredTextsDoNotReachTheTerminal) {
-  Write("evil.txt", Definition({{1, 0, "C_22", {"x", "a\x1b[31mb"}, "\x7f"}}));
+  Write("evil.txt", Definition({{1, 0, "C_22", {"x", "a\x1b[31mb\nc"}, "\x7f"}}));
   (void)Succeed({"import", "evil.txt"});
   const auto shown = Succeed({"show", "evil"});
   EXPECT_THAT(shown, testing::Not(HasSubstr("\x1b")));
-  EXPECT_THAT(shown, HasSubstr("a␛[31mb"));
+  EXPECT_THAT(shown, HasSubstr("a␛[31mb ↵ c"));
 }
 
 TEST_F(DefinitionsTest, AFlowIsShownAsJson) {

@@ -190,6 +190,15 @@ TEST_F(RpcTest, ABatchIsAnsweredByAnArray) {
   EXPECT_EQ(answer[2]["result"]["value"], 2);
 }
 
+TEST_F(RpcTest, ADeeplyNestedLineDoesNoHarm) {
+  const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+  const auto request = R"({"jsonrpc":"2.0","id":1,"method":"Name.FlowExists","params":)" + deep + "}\n";
+  auto answers = Session(deep + "\n" + request);
+  ASSERT_EQ(answers.size(), 2U);
+  EXPECT_EQ(answers[0][0]["error"]["code"], -32600);
+  EXPECT_EQ(answers[1]["error"]["code"], -32602);
+}
+
 TEST_F(RpcTest, NotificationsAreCarriedOutWithoutAnAnswer) {
   auto answers = Session(
       "{\"jsonrpc\":\"2.0\",\"method\":\"Name.Add\",\"params\":[\"a\",\"\",\"\"]}\n"
