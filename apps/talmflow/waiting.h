@@ -11,7 +11,8 @@
 
 namespace talm_flow::program {
 
-/// For each step that waits, a line a thing: "王芳 (A3)", "instance 7", "2026/1/31 9:05:00".
+/// For each step that waits, what for: "王芳 (A3)", "flow 2 \"child\" (instance 7)", "timer 2026/1/31 9:05:00". A timer is
+/// what the step waits for that it will run.
 using Waiting = std::map<std::int64_t, std::vector<std::string>>;
 
 /// @throws UserError  there is no such instance, or it runs another flow.
