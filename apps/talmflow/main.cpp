@@ -51,7 +51,10 @@ int Run(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
-    Complain(kWrongUsage, error.what());
+    // The option reader complains of a missing subcommand before it looks at what stands in its place.
+    const auto surplus = app.remaining();
+    const bool unknown = app.get_subcommands().empty() && !surplus.empty();
+    Complain(kWrongUsage, unknown ? ("there is no subcommand \"" + surplus.front() + "\"").c_str() : error.what());
     std::cerr << "Run with --help for what is possible.\n";
     return kWrongUsage;
   }
