@@ -16,6 +16,13 @@ constexpr std::string_view kTypes[] = {"InputText",     "SelectPosition", "Selec
                                        "SelectUser",    "AutoCal",        "InputNum",         "InputTime",
                                        "InputTextArea", "UpLoadFile",     "InputDigitalSign", "InputElectroSeal"};
 
+void RequireType(const std::string& type) {
+  if (std::ranges::find(kTypes, type) != std::end(kTypes)) return;
+  std::string known;
+  for (const auto& name : kTypes) known.append(known.empty() ? "" : ", ").append(name);
+  throw UserError("--unit: there is no input type \"" + type + "\"; the types are " + known);
+}
+
 Units UnitsOf(const std::vector<std::string>& words) {
   Units units;
   for (const auto& word : words) {
@@ -24,11 +31,7 @@ Units UnitsOf(const std::vector<std::string>& words) {
       throw UserError("--unit: \"" + word + "\" is no input unit; write CODE:TYPE, as in DAYS:InputNum");
     }
     auto type = word.substr(colon + 1);
-    if (std::ranges::find(kTypes, type) == std::end(kTypes)) {
-      std::string known;
-      for (const auto& name : kTypes) known += (known.empty() ? "" : ", ") + std::string(name);
-      throw UserError("--unit: there is no input type \"" + type + "\"; the types are " + known);
-    }
+    RequireType(type);
     units.emplace_back(word.substr(0, colon), std::move(type));
   }
   return units;

@@ -30,9 +30,9 @@ bool IsCall(const nlohmann::json& request) {
 }
 
 /// A member "result" or "error" completed to an answer.
-Json Complete(Json answer, const nlohmann::json& id) {
+Json Complete(Json&& answer, const nlohmann::json& id) {
   Json complete = {{"jsonrpc", "2.0"}, {"id", id}};
-  complete.update(answer);
+  for (auto& [member, value] : answer.items()) complete[member] = std::move(value);
   return complete;
 }
 
@@ -125,10 +125,10 @@ std::optional<Json> RpcSession::AnswerRequest(const nlohmann::json& request) {
 }
 
 Json RpcSession::AnswerCall(const nlohmann::json& request) {
-  static const nlohmann::json kNone = nlohmann::json::array();
+  const auto none = nlohmann::json::array();
   const auto params = request.find("params");
   try {
-    return Result(request["method"].get_ref<const std::string&>(), params == request.end() ? kNone : *params);
+    return Result(request["method"].get_ref<const std::string&>(), params == request.end() ? none : *params);
   } catch (const InvalidParams& error) {
     return Error(kInvalidParams, error.message, error.data);
   } catch (const late_bound::UnknownClassError& error) {
