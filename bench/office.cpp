@@ -54,6 +54,46 @@ void Office::AddApprovalFlow(int flow_id) {
   }
 }
 
+void Office::AddLoop(int flow_id) {
+  Step(flow_id, 1, 0, "C_22");
+  Parameter(flow_id, 1, "C_22_1", "v");
+  Parameter(flow_id, 1, "C_22_2", "value");
+  Step(flow_id, 2, 1, "C_16");
+  Parameter(flow_id, 2, "C_16_1", "1");
+}
+
+void Office::AddParent(int flow_id, int child_flow_id, int children) {
+  Run("Insert Into WorkFlowName (FlowID,FlowName) Values (" + std::to_string(child_flow_id) + ",'child')");
+  AddChain(child_flow_id, 1);
+  Step(flow_id, 1, 0, "C_22");
+  Parameter(flow_id, 1, "C_22_1", "v");
+  Parameter(flow_id, 1, "C_22_2", "value");
+  for (int child = 2; child <= children + 1; ++child) {
+    Step(flow_id, child, 1, "C_18");
+    Parameter(flow_id, child, "C_18_1", std::to_string(child_flow_id));
+  }
+}
+
+void Office::Start(Connection& connection, int flow_id) {
+  command_.FlowExecute(connection, flow_id, 12, 1, "kim", "127.0.0.1", 0, 0);
+}
+
+Office::Task Office::NewestTask(Connection& connection) {
+  const auto row =
+      connection.Unobserved().Open("Select Top 1 DataAppID,ExecuteID,FlowNo From DataApp Order By DataAppID Desc");
+  return {row->Field("DataAppID"), row->Field("ExecuteID"), row->Field("FlowNo")};
+}
+
+void Office::Finish(Connection& connection, const Task& task) {
+  command_.ChangeAppStatusToFinish(connection, task.task, 0);
+}
+
+void Office::Resume(Connection& connection, const Task& task) {
+  command_.FlowExecuteAfter(connection, task.instance, task.step);
+}
+
+void Office::End(Connection& connection, const Task& task) { command_.EndFlow(connection, task.instance); }
+
 void Office::RunApproval(Connection& connection, int flow_id, bool in_transactions) {
   const auto call = [&](const auto& body) {
     if (in_transactions) {
@@ -62,14 +102,11 @@ void Office::RunApproval(Connection& connection, int flow_id, bool in_transactio
       body();
     }
   };
-  call([&] { command_.FlowExecute(connection, flow_id, 12, 1, "kim", "127.0.0.1", 0, 0); });
-  const auto row = database_->Open("Select Top 1 DataAppID,ExecuteID From DataApp Order By DataAppID Desc");
-  const Value task = row->Field("DataAppID");
-  const Value instance = row->Field("ExecuteID");
-  row->Close();
-  call([&] { command_.ChangeAppStatusToFinish(connection, task, 0); });
-  call([&] { command_.FlowExecuteAfter(connection, instance, 11); });
-  call([&] { command_.EndFlow(connection, instance); });
+  call([&] { Start(connection, flow_id); });
+  const Task task = NewestTask(connection);
+  call([&] { Finish(connection, task); });
+  call([&] { Resume(connection, task); });
+  call([&] { End(connection, task); });
 }
 
 }  // namespace talm_flow::bench

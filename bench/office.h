@@ -33,6 +33,26 @@ class Office {
   /// Ten assignments, an approval with a notice and a time limit, two more assignments.
   void AddApprovalFlow(int flow_id);
 
+  /// An assignment, and a jump back to it that runs as often as a step may.
+  void AddLoop(int flow_id);
+
+  /// A step that starts `children` child flows, one after another, each of one assignment.
+  void AddParent(int flow_id, int child_flow_id, int children);
+
+  /// A task that waits, and the instance and step that wait for it.
+  struct Task {
+    Value task;
+    Value instance;
+    Value step;
+  };
+
+  // The four calls of a host in the life of one instance, and how it learns of the task.
+  void Start(Connection& connection, int flow_id);
+  [[nodiscard]] static Task NewestTask(Connection& connection);
+  void Finish(Connection& connection, const Task& task);
+  void Resume(Connection& connection, const Task& task);
+  void End(Connection& connection, const Task& task);
+
   /// Starts a flow of `AddApprovalFlow`, gives the approval, resumes and ends it.
   /// @param in_transactions  each call of the host in one transaction.
   void RunApproval(Connection& connection, int flow_id, bool in_transactions);
