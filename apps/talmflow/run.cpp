@@ -107,6 +107,11 @@ void Report(Workspace& workspace, const GlobalOptions& options, const Closed& cl
   Print(workspace, standing);
 }
 
+/// The outcome that C_68 and C_98 look for is the host's to give; the component itself only finishes tasks.
+void GivePositiveOutcome(Workspace& workspace, const std::string& table, const std::string& key, const Task& task) {
+  (void)workspace.database().Execute("Update " + table + " Set Status=3 Where " + key + "=" + std::to_string(task.id));
+}
+
 class Approve : public Subcommand {
  public:
   explicit Approve(CLI::App& parent)
@@ -114,12 +119,13 @@ class Approve : public Subcommand {
             parent, "approve", "Finish an approval and let its flow go on",
             "talmflow approve A12\n"
             "talmflow approve A12 --form 13/7\n"
-            "talmflow approve A12 --reject\n"
+            "talmflow approve A12 --positive\n"
             "\nThe flow goes on when all approvals of the step are finished; with --any it goes on at once, and\n"
             "again when the last of the others is finished.") {
     app().add_option("TASK", task_, "The approval, as A12")->required();
     app().add_option("--form", form_, "The record in which the approval was filled in, as TABLE/DATA");
-    app().add_flag("--reject", reject_, "The outcome is no: a step with command C_68 reads 1");
+    app().add_flag("--positive", positive_,
+                   "Give it the positive outcome, Status 3, which a step with C_68 reads as 1");
     app().add_flag("--any", any_, "Go on though others of the step have not approved yet");
   }
 
@@ -132,17 +138,14 @@ class Approve : public Subcommand {
       if (!form_.empty()) RequireForm(workspace, closed.task, form);
       Command command(workspace.services());
       command.ChangeAppStatusToFinish(workspace.connection(), closed.task.id, form.data);
-      if (reject_) {
-        (void)workspace.database().Execute("Update DataApp Set Status=3 Where DataAppID=" +
-                                           std::to_string(closed.task.id));
-      }
+      if (positive_) GivePositiveOutcome(workspace, "DataApp", "DataAppID", closed.task);
       if (any_ || !command.NotAppExists(workspace.connection(), closed.task.id)) {
         GoOn(workspace, closed);
       } else {
         closed.open_in_group = Approvals(workspace, "Status<2 and RelatingID=" + std::to_string(closed.task.group));
       }
     });
-    Report(workspace, options, closed, reject_ ? "rejected" : "approved");
+    Report(workspace, options, closed, positive_ ? "approved with the positive outcome" : "approved");
   }
 
  private:
@@ -156,15 +159,19 @@ class Approve : public Subcommand {
 
   std::string task_;
   std::string form_;
-  bool reject_ = false;
+  bool positive_ = false;
   bool any_ = false;
 };
 
 class Finish : public Subcommand {
  public:
   explicit Finish(CLI::App& parent)
-      : Subcommand(parent, "finish", "Finish a fill-in and let its flow go on", "talmflow finish F3") {
+      : Subcommand(parent, "finish", "Finish a fill-in and let its flow go on",
+                   "talmflow finish F3\n"
+                   "talmflow finish F3 --positive") {
     app().add_option("TASK", task_, "The fill-in, as F3")->required();
+    app().add_flag("--positive", positive_,
+                   "Give it the positive outcome, Status 3, which a step with C_98 reads as 1");
   }
 
   void Run(const GlobalOptions& options) override {
@@ -173,13 +180,15 @@ class Finish : public Subcommand {
     workspace.Together([&] {
       closed = OpenTask(workspace, task_, TaskKind::kFillIn);
       Command(workspace.services()).ChangeInUnitSubStatusToFinish(workspace.connection(), closed.task.id);
+      if (positive_) GivePositiveOutcome(workspace, "InUnitSub", "ID", closed.task);
       GoOn(workspace, closed);
     });
-    Report(workspace, options, closed, "finished");
+    Report(workspace, options, closed, positive_ ? "finished with the positive outcome" : "finished");
   }
 
  private:
   std::string task_;
+  bool positive_ = false;
 };
 
 }  // namespace

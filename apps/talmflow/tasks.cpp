@@ -15,7 +15,7 @@ std::string StatusText(std::int64_t status) {
     case 2:
       return "finished";
     case 3:
-      return "rejected";
+      return "positive";
     default:
       return std::to_string(status);
   }

@@ -128,12 +128,13 @@ TEST_F(RunTest, OneApprovalIsEnoughWhenItIsToldSo) {
   EXPECT_EQ(SucceedJson({"variables"})[0]["value"], "went on");
 }
 
-TEST_F(RunTest, ARejectionIsSeenByTheFlow) {
-  Import("leave", {{1, 0, "C_2", {"DataID_Submit", "\"lee\"", "\"TableID:13\""}}, {2, 1, "C_68", {"Global_rejected"}}});
+TEST_F(RunTest, APositiveOutcomeIsSeenByTheFlow) {
+  Import("leave", {{1, 0, "C_2", {"DataID_Submit", "\"lee\"", "\"TableID:13\""}}, {2, 1, "C_68", {"Global_agreed"}}});
   (void)Start("leave");
-  EXPECT_EQ(Succeed({"approve", "A1", "--reject"}), "A1 is rejected.\nInstance 1 has ended.\n");
+  EXPECT_EQ(Succeed({"approve", "A1", "--positive"}),
+            "A1 is approved with the positive outcome.\nInstance 1 has ended.\n");
   EXPECT_EQ(SucceedJson({"variables"})[0]["value"], "1");
-  EXPECT_EQ(SucceedJson({"tasks", "--all"})[0]["status"], "rejected");
+  EXPECT_EQ(SucceedJson({"tasks", "--all"})[0]["status"], "positive");
 }
 
 TEST_F(RunTest, TasksThatCannotBeFinishedAreTold) {
