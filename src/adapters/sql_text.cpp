@@ -285,7 +285,8 @@ void AppendUnquoted(const Literal& literal, std::string& out) {
   out.append(rest);
 }
 
-void ScannedText::Scan(std::string_view text) {
+void ScannedText::Scan(std::string_view to_scan) {
+  text = to_scan;
   shape.clear();
   literals.clear();
   unterminated = false;

@@ -33,14 +33,15 @@ void AppendUnquoted(const Literal& literal, std::string& out);
 
 /// A statement text taken apart. The literals point into the text.
 struct ScannedText {
+  std::string_view text;
   std::string shape;
   std::vector<Literal> literals;
   /// A quote was opened and not closed; `shape` and `literals` are incomplete.
   bool unterminated = false;
 
-  /// Takes `text` apart, replacing what was held.
+  /// Takes a text apart, replacing what was held.
   /// @throws DatabaseError  a second statement, or a parameter mark.
-  void Scan(std::string_view text);
+  void Scan(std::string_view to_scan);
 };
 
 /// Whether nothing but blanks and comments is left of `text`.

@@ -28,19 +28,20 @@ SqliteDatabase::~SqliteDatabase() {
 void SqliteDatabaseCloser::operator()(sqlite3* database) const { sqlite3_close_v2(database); }
 
 std::unique_ptr<RowSet> SqliteDatabase::Execute(std::string_view statement) {
-  const Shape shape = Find(statement);
-  return shape->rewritten.kind == StatementKind::kSelect ? Read(shape, statement) : Change(shape, statement);
+  Shape shape = Find(statement);
+  return shape->rewritten.kind == StatementKind::kSelect ? Read(std::move(shape), statement) : Change(shape, statement);
 }
 
 std::unique_ptr<RowSet> SqliteDatabase::Open(std::string_view query) {
-  const Shape shape = Find(query);
-  if (!shape->columns) throw DatabaseError("the statement gives no rows", std::string(query));
-  return shape->rewritten.kind == StatementKind::kSelect ? Read(shape, query) : Change(shape, query);
+  Shape shape = Find(query);
+  if (shape->columns == nullptr) throw DatabaseError("the statement gives no rows", std::string(query));
+  return shape->rewritten.kind == StatementKind::kSelect ? Read(std::move(shape), query) : Change(shape, query);
 }
 
 // ---- Shapes ---------------------------------------------------------------------------------------------------------
 
 SqliteDatabase::Shape SqliteDatabase::Find(std::string_view text) {
+  if (const Shape* const follower = shapes_.Follow(text, scanned_.literals)) return *follower;
   scanned_.Scan(text);
   if (!scanned_.unterminated) {
     const Shape* const known = shapes_.Find(scanned_.shape);
@@ -60,6 +61,7 @@ SqliteDatabase::Shape SqliteDatabase::Analyse(std::string_view text) {
     throw DatabaseError("a statement text holds no NUL character outside of quotes", std::string(text));
   }
   SqliteTableKeys keys(database_.get());
+  ShapePattern pattern(scanned_);
   auto shape = std::make_shared<SqliteShape>();
   shape->rewritten = Rewrite(scanned_.shape, kDialect, keys);
   Shape to_run = shape;
@@ -69,7 +71,10 @@ SqliteDatabase::Shape SqliteDatabase::Analyse(std::string_view text) {
     shape->rewritten.literals_inline = true;
   }
   if (shape->rewritten.literals_inline) to_run = FindInline(text, *shape);
-  if (IsKept(*shape, scanned_.shape)) shapes_.Insert(scanned_.shape, std::move(shape));
+  if (IsKept(*shape, scanned_.shape)) {
+    if (shape->rewritten.literals_inline) pattern = {};
+    shapes_.Insert(scanned_.shape, std::move(shape), std::move(pattern));
+  }
   return to_run;
 }
 
@@ -116,7 +121,7 @@ bool SqliteDatabase::Prepare(SqliteShape& shape, std::string_view component_text
     throw DatabaseError("a statement text holds one statement; something follows it", std::string(component_text));
   }
   if (prepared == nullptr) throw DatabaseError("the text holds no statement", std::string(component_text));
-  if (!shape.columns && sqlite3_column_count(prepared) > 0) shape.columns = ColumnsOf(prepared);
+  if (shape.columns == nullptr && sqlite3_column_count(prepared) > 0) SetColumns(shape, prepared);
   shape.idle.push_back(std::move(handle));
   return true;
 }
@@ -145,10 +150,10 @@ void SqliteDatabase::Release(SqliteShape& shape, std::unique_ptr<SqliteHandle> h
 
 bool SqliteDatabase::Start(SqliteShape& shape, std::unique_ptr<SqliteHandle>& handle, std::string_view text) {
   const int result = sqlite3_step(handle->statement.get());
-  if (shape.columns) {
+  if (shape.columns != nullptr) {
     if (const int count = RepreparationsOf(handle->statement.get()); count != handle->repreparations) {
       handle->repreparations = count;
-      shape.columns = ColumnsOf(handle->statement.get());
+      SetColumns(shape, handle->statement.get());
     }
   }
   if (result == SQLITE_ROW) return true;
@@ -157,8 +162,8 @@ bool SqliteDatabase::Start(SqliteShape& shape, std::unique_ptr<SqliteHandle>& ha
     Release(shape, std::move(handle));
     if (result == SQLITE_ERROR) {
       // What was learnt about the tables may be out of date: another connection can have changed them.
-      shapes_.Erase(scanned_.shape);
-      shapes_.Erase(text);
+      if (shape.rewritten.literals_inline) shapes_.Erase(scanned_.shape);
+      shapes_.Erase(shape);
     }
     throw error;
   }
@@ -166,11 +171,11 @@ bool SqliteDatabase::Start(SqliteShape& shape, std::unique_ptr<SqliteHandle>& ha
   return false;
 }
 
-std::unique_ptr<RowSet> SqliteDatabase::Read(const Shape& shape, std::string_view text) {
+std::unique_ptr<RowSet> SqliteDatabase::Read(Shape shape, std::string_view text) {
   auto handle = Acquire(*shape, text);
   BindLiterals(*handle, text, scanned_.literals, TextKeeper::kHandle);
   const bool has_row = Start(*shape, handle, text);
-  return std::make_unique<SqliteRowSet>(*this, shape, std::move(handle), has_row);
+  return std::make_unique<SqliteRowSet>(*this, std::move(shape), std::move(handle), has_row);
 }
 
 std::unique_ptr<RowSet> SqliteDatabase::Change(const Shape& shape, std::string_view text) {
@@ -178,10 +183,10 @@ std::unique_ptr<RowSet> SqliteDatabase::Change(const Shape& shape, std::string_v
   auto handle = Acquire(*shape, text);
   const bool may_change_tables =
       shape->rewritten.kind == StatementKind::kOther && sqlite3_stmt_readonly(handle->statement.get()) == 0;
-  BindLiterals(*handle, text, scanned_.literals, shape->columns ? TextKeeper::kHandle : TextKeeper::kCaller);
+  BindLiterals(*handle, text, scanned_.literals, shape->columns != nullptr ? TextKeeper::kHandle : TextKeeper::kCaller);
   const bool has_row = Start(*shape, handle, text);
   std::unique_ptr<SqliteRowSet> rows;
-  if (shape->columns) {
+  if (shape->columns != nullptr) {
     rows = std::make_unique<SqliteRowSet>(*this, shape, std::move(handle), has_row);
     rows->TakeRemaining();
     if (rows->pending_error_) throw DatabaseError(*rows->pending_error_);

@@ -74,7 +74,7 @@ class SqliteDatabase : public Database {
   std::unique_ptr<SqliteHandle> Acquire(SqliteShape& shape, std::string_view component_text);
   static void Release(SqliteShape& shape, std::unique_ptr<SqliteHandle> handle);
 
-  std::unique_ptr<RowSet> Read(const Shape& shape, std::string_view text);
+  std::unique_ptr<RowSet> Read(Shape shape, std::string_view text);
   std::unique_ptr<RowSet> Change(const Shape& shape, std::string_view text);
   /// Runs a bound statement up to its first row. @returns whether there is one; if not, the handle is given back.
   bool Start(SqliteShape& shape, std::unique_ptr<SqliteHandle>& handle, std::string_view text);

@@ -62,7 +62,7 @@ class SqliteRowSet : public RowSet {
 
   SqliteDatabase& database_;
   std::shared_ptr<SqliteShape> shape_;
-  std::shared_ptr<const SqliteColumns> columns_;
+  const SqliteColumns* columns_;
   std::unique_ptr<SqliteHandle> handle_;  // while reading
   State state_;
   bool had_row_;

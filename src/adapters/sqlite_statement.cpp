@@ -138,11 +138,13 @@ Value ColumnValue(sqlite3_stmt* statement, std::size_t column) {
   }
 }
 
-std::shared_ptr<const SqliteColumns> ColumnsOf(sqlite3_stmt* statement) {
-  auto columns = std::make_shared<SqliteColumns>();
+void SetColumns(SqliteShape& shape, sqlite3_stmt* statement) {
+  SqliteColumns columns;
   const int count = sqlite3_column_count(statement);
-  for (int i = 0; i < count; ++i) columns->names.emplace_back(sqlite3_column_name(statement, i));
-  return columns;
+  for (int i = 0; i < count; ++i) columns.names.emplace_back(sqlite3_column_name(statement, i));
+  if (shape.columns != nullptr && shape.columns->names == columns.names) return;
+  shape.all_columns.push_back(std::make_unique<const SqliteColumns>(std::move(columns)));
+  shape.columns = shape.all_columns.back().get();
 }
 
 int RepreparationsOf(sqlite3_stmt* statement) { return sqlite3_stmt_status(statement, SQLITE_STMTSTATUS_REPREPARE, 0); }

@@ -42,7 +42,9 @@ struct SqliteHandle {
 struct SqliteShape {
   Rewritten rewritten;
   std::vector<std::unique_ptr<SqliteHandle>> idle;
-  std::shared_ptr<const SqliteColumns> columns;  // null for a statement without a result
+  const SqliteColumns* columns = nullptr;  ///< null for a statement without a result
+  /// All that row sets may still refer to. There is more than one only after another schema gave other names.
+  std::vector<std::unique_ptr<const SqliteColumns>> all_columns;
 };
 
 /// Who keeps the text while a statement runs.
@@ -62,7 +64,8 @@ void BindBinary(sqlite3_stmt* statement, int number, std::string_view bytes);
 /// A field of the current row; binary content as a text of its bytes.
 [[nodiscard]] Value ColumnValue(sqlite3_stmt* statement, std::size_t column);
 
-[[nodiscard]] std::shared_ptr<const SqliteColumns> ColumnsOf(sqlite3_stmt* statement);
+/// Makes the columns of `statement` those of its shape.
+void SetColumns(SqliteShape& shape, sqlite3_stmt* statement);
 
 /// How often the engine prepared the statement anew by itself.
 [[nodiscard]] int RepreparationsOf(sqlite3_stmt* statement);
