@@ -1,5 +1,6 @@
 #include "commands/command_table.h"
 
+#include "commands/command_parameters.h"
 #include "commands/handlers.h"
 
 namespace talm_flow::commands {
@@ -9,208 +10,6 @@ using engine::CommandRow;
 using engine::CommandTable;
 using engine::Effect;
 using engine::ParameterRow;
-using engine::Taken;
-
-// One list of parameters serves all commands that take the same.
-constexpr ParameterRow kParametersOf1[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Notice title", .note = "first 100 characters; empty for no notice"},
-    {.title = "Receivers", .note = "names and groups"}};
-constexpr ParameterRow kParametersOf2[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Approvers", .note = "names and groups"},
-    {.title = "Approval form", .note = "a table reference, \"TableID:n\""},
-    {.title = "Notice title", .note = "first 100 characters; empty for no notice"},
-    {.title = "Button text", .note = "first 50 characters; empty: the text as stored, then \"审批\""},
-    {.title = "Edit flag", .taken = Taken::kStoredOrEvaluated, .note = "1 or 0; anything else counts as 0"},
-    {.title = "Time limit",
-     .taken = Taken::kStoredOrEvaluated,
-     .note = "a whole number, its sign is dropped; 0 for none; anything else counts as 0"},
-    {.title = "Notice information", .note = "first 100 characters"}};
-constexpr ParameterRow kParametersOf3[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "People", .note = "names separated by \",\""},
-    {.title = "Attention form", .note = "a table reference, \"TableID:n\""},
-    {.title = "Notice title", .note = "first 100 characters; empty for no notice"},
-    {.title = "Button text", .note = "first 50 characters; empty: the text as stored, then \"附加\""},
-    {.title = "Edit flag", .taken = Taken::kStoredOrEvaluated, .note = "1 or 0; anything else counts as 0"},
-    {.title = "Notice information", .note = "first 100 characters"}};
-constexpr ParameterRow kParametersOf4[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Input unit", .note = "its code, or \"inunitid:code\""},
-    {.title = "Value", .note = "as the unit's type asks: text, number, date, file references, a picture reference"}};
-constexpr ParameterRow kParametersOf6[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "People", .note = "names separated by \",\""},
-    {.title = "Grant", .taken = Taken::kStoredOrEvaluated, .note = "1 or 0; anything else counts as 0"}};
-constexpr ParameterRow kParametersOf7[] = {
-    {.title = "Table", .note = "a table reference, \"TableID:n\""},
-    {.title = "Allowed", .taken = Taken::kStoredOrEvaluated, .note = "1 or 0; anything else counts as 0"}};
-constexpr ParameterRow kParametersOf8[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Allowed", .taken = Taken::kStoredOrEvaluated, .note = "1 or 0; anything else counts as 0"}};
-constexpr ParameterRow kParametersOf9[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Allowed", .taken = Taken::kStoredOrEvaluated, .note = "1 or 0; anything else counts as 0"},
-    {.title = "Answer form", .note = "a table reference, \"TableID:n\"; read only when allowed"}};
-constexpr ParameterRow kParametersOf10[] = {{.title = "Table", .note = "a table reference, \"TableID:n\""}};
-constexpr ParameterRow kParametersOf11[] = {
-    {.title = "Left value"},
-    {.title = "Comparison", .taken = Taken::kAsStored, .note = "one of >= <= < > <> ="},
-    {.title = "Right value"}};
-constexpr ParameterRow kParametersOf12[] = {{.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""}};
-constexpr ParameterRow kParametersOf15[] = {
-    {.title = "Runs",
-     .taken = Taken::kStoredOrEvaluated,
-     .note = "a whole number, its sign is dropped; anything else counts as 0"},
-    {.title = "Interval",
-     .taken = Taken::kStoredOrEvaluated,
-     .note = "a whole number in the scheduler's unit, its sign is dropped; anything else counts as 0"},
-    {.title = "Step", .taken = Taken::kAsStored, .note = "number of a step of the flow"}};
-constexpr ParameterRow kParametersOf16[] = {
-    {.title = "Step", .taken = Taken::kAsStored, .note = "number of a step of the flow"}};
-constexpr ParameterRow kParametersOf18[] = {
-    {.title = "Flow", .taken = Taken::kAsStored, .note = "number of a flow"},
-    {.title = "Handed values", .taken = Taken::kAsStored, .note = "kept for the designer; the engine does not read it"},
-    {.title = "Receiving variables",
-     .taken = Taken::kAsStored,
-     .note = "names separated by \"|^|\" that C_70 of the child flow writes"}};
-constexpr ParameterRow kParametersOf19[] = {
-    {.title = "Left value"},
-    {.title = "Operator", .taken = Taken::kAsStored, .note = "one of + - * /"},
-    {.title = "Right value"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf20[] = {{.title = "Receivers", .note = "separated by \",\" or blanks"},
-                                            {.title = "Text", .note = "empty: nothing is queued"}};
-constexpr ParameterRow kParametersOf21[] = {
-    {.title = "Addresses", .note = "separated by \",\" or blanks"}, {.title = "Title"}, {.title = "Text"}};
-constexpr ParameterRow kParametersOf22[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Text", .taken = Taken::kAsStored}};
-constexpr ParameterRow kParametersOf31[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf39[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Value"}};
-constexpr ParameterRow kParametersOf45[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""}};
-constexpr ParameterRow kParametersOf47[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Input unit", .note = "its code, or \"inunitid:code\""}};
-constexpr ParameterRow kParametersOf48[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Date", .note = "a date text"}};
-constexpr ParameterRow kParametersOf50[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Table", .note = "a table reference, \"TableID:n\""}};
-constexpr ParameterRow kParametersOf51[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Input unit", .note = "its code, or \"inunitid:code\""}};
-constexpr ParameterRow kParametersOf52[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "File", .note = "\"fileid:n\""}};
-constexpr ParameterRow kParametersOf53[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Picture", .note = "\"tablepicdataid:n\""}};
-constexpr ParameterRow kParametersOf54[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "People", .note = "names and groups"}};
-constexpr ParameterRow kParametersOf55[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Value", .note = "a number"}};
-constexpr ParameterRow kParametersOf59[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "Text"}};
-constexpr ParameterRow kParametersOf69[] = {
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"},
-    {.title = "List"}};
-constexpr ParameterRow kParametersOf70[] = {
-    {.title = "Position", .taken = Taken::kAsStored, .note = "from 1, in the list of receiving variables"},
-    {.title = "Value", .taken = Taken::kAsStored}};
-constexpr ParameterRow kParametersOf76[] = {
-    {.title = "Source record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Target record", .note = "a record reference, \"TableID:n,DataID:m\""}};
-constexpr ParameterRow kParametersOf77[] = {
-    {.title = "Table", .note = "a table reference, \"TableID:n\""},
-    {.title = "Condition",
-     .taken = Taken::kAsStored,
-     .note = "fields name, inputtime, id and input units; values are expressions; empty for every record"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf78[] = {
-    {.title = "List", .note = "items separated by \",\""},
-    {.title = "Item"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf79[] = {
-    {.title = "Table", .note = "a table reference, \"TableID:n\""},
-    {.title = "Condition",
-     .taken = Taken::kAsStored,
-     .note = "fields name, inputtime, id and input units; values are expressions; empty for every record"},
-    {.title = "Field", .note = "name, inputtime, id or an input unit"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf80[] = {{.title = "Text", .note = "first 499 characters"}};
-constexpr ParameterRow kParametersOf81[] = {
-    {.title = "Date", .note = "a date text"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf86[] = {
-    {.title = "Moment", .note = "a date text"},
-    {.title = "Step", .taken = Taken::kAsStored, .note = "number of a step of the flow"}};
-constexpr ParameterRow kParametersOf87[] = {
-    {.title = "List"},
-    {.title = "Separator",
-     .taken = Taken::kStoredOrEvaluated,
-     .note = "empty or \",\" as stored, else evaluated; empty counts as \",\""},
-    {.title = "Position",
-     .taken = Taken::kStoredOrEvaluated,
-     .note = "from 1, its sign is dropped; anything but a number counts as 1"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf88[] = {
-    {.title = "List"},
-    {.title = "Position",
-     .taken = Taken::kStoredOrEvaluated,
-     .note = "from 1, its sign is dropped; anything but a number counts as 1"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf90[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Link text", .note = "empty: the text as stored; empty again: nothing is assigned"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf91[] = {
-    {.title = "Page", .taken = Taken::kStoredOrEvaluated, .note = "number of the page"},
-    {.title = "Link text", .note = "empty: the text as stored; empty again: nothing is assigned"},
-    {.title = "Record parameters", .note = "empty: the text as stored"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf93[] = {
-    {.title = "Text"},
-    {.title = "Sought text"},
-    {.title = "Replacement"},
-    {.title = "Start", .note = "position from 1; anything else counts as 1"},
-    {.title = "Count", .note = "negative for all; anything but a number counts as all"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf94[] = {
-    {.title = "Text"},
-    {.title = "Start", .note = "position from 1; anything else counts as 1"},
-    {.title = "Length", .note = "below 1 and anything but a number: to the end"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf95[] = {
-    {.title = "Text"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf96[] = {
-    {.title = "Text"},
-    {.title = "Sought text"},
-    {.title = "Start", .note = "position from 1; anything else counts as 1"},
-    {.title = "Variable", .taken = Taken::kVariable, .note = "name of the variable that is written"}};
-constexpr ParameterRow kParametersOf97[] = {
-    {.title = "Record", .note = "a record reference, \"TableID:n,DataID:m\""},
-    {.title = "Input unit", .note = "its code, or \"inunitid:code\""},
-    {.title = "People", .note = "names separated by \",\""},
-    {.title = "Notice title", .note = "first 100 characters; empty for no notice"},
-    {.title = "Button text", .note = "first 50 characters; empty: the text as stored, then \"填写\""},
-    {.title = "Edit flag", .taken = Taken::kStoredOrEvaluated, .note = "1 or 0; anything else counts as 0"},
-    {.title = "Time limit",
-     .taken = Taken::kStoredOrEvaluated,
-     .note = "a whole number, its sign is dropped; 0 for none; anything else counts as 0"},
-    {.title = "Notice information", .note = "first 100 characters"}};
 
 constexpr CommandTable kCommands = {
     {{.number = 1,
@@ -218,20 +17,22 @@ constexpr CommandTable kCommands = {
       .handler = C_1,
       .parameters = kParametersOf1,
       .title = "Send record",
-      .summary = "Sends a form record to receivers: a notice and a receipt row each."},
+      .summary = "Sends a form record to receivers: each gets a notice and a receipt; who has the record already gets "
+                 "it again as unseen."},
      {.number = 2,
       .name = "C_2",
       .handler = C_2,
       .parameters = kParametersOf2,
       .effect = Effect::kWaits,
       .title = "Approval task",
-      .summary = "Creates an approval task for each approver; the branch waits until the host resumes it."},
+      .summary = "Creates an approval task for each approver; the branch waits until the host has seen the approvals "
+                 "and resumes it."},
      {.number = 3,
       .name = "C_3",
       .handler = C_3,
       .parameters = kParametersOf3,
       .title = "Attention task",
-      .summary = "Asks people to attach a form to a record; the flow goes on at once."},
+      .summary = "Asks people to attach a form to a record: each gets an attention task; the flow goes on at once."},
      {.number = 4,
       .name = "C_4",
       .handler = C_4,
@@ -241,9 +42,9 @@ constexpr CommandTable kCommands = {
      {.number = 5,
       .name = "C_5",
       .handler = C_5,
-      .parameters = kParametersOf4,
+      .parameters = kParametersOf5,
       .title = "Write field without pictures",
-      .summary = "As C_4, but never writes a picture."},
+      .summary = "As C_4, but leaves input units that take pictures alone."},
      {.number = 6,
       .name = "C_6",
       .handler = C_6,
@@ -273,7 +74,7 @@ constexpr CommandTable kCommands = {
       .handler = C_10,
       .parameters = kParametersOf10,
       .title = "Table operation",
-      .summary = "Has the host operate on a form table in the name of the system."},
+      .summary = "Has the host perform its operation on a form table, in the name of the system."},
      {.number = 11,
       .name = "C_11",
       .handler = C_11,
@@ -286,25 +87,26 @@ constexpr CommandTable kCommands = {
       .handler = C_12,
       .parameters = kParametersOf12,
       .title = "Delete approval records",
-      .summary = "Deletes the approval-form records of a record."},
+      .summary = "Deletes the form records that the approvals of a record produced; the approvals stay."},
      {.number = 13,
       .name = "C_13",
       .handler = C_13,
       .parameters = kParametersOf12,
       .title = "Delete answers",
-      .summary = "Deletes the answers to a record with their form records."},
+      .summary = "Deletes the answers to a record, with their form records."},
      {.number = 14,
       .name = "C_14",
       .handler = C_14,
       .parameters = kParametersOf12,
       .title = "Delete attention records",
-      .summary = "Deletes the attention-form records of a record."},
+      .summary = "Deletes the form records that the attention tasks of a record produced; the tasks stay."},
      {.number = 15,
       .name = "C_15",
       .handler = C_15,
       .parameters = kParametersOf15,
       .title = "Repeating timer",
-      .summary = "Has the host's scheduler run a step several times; the flow goes on at once."},
+      .summary = "Has the host's scheduler run a step several times, beside the flow, which goes on at once; a second "
+                 "timer for the same step of an instance is not set."},
      {.number = 16,
       .name = "C_16",
       .handler = C_16,
@@ -312,20 +114,22 @@ constexpr CommandTable kCommands = {
       .effect = Effect::kJumps,
       .run_cap = true,
       .title = "Jump",
-      .summary = "Runs another step in place of its own children; at most 200 times in one instance."},
+      .summary =
+          "Runs another step, with everything below it, in place of its own children; a jump to itself does nothing."},
      {.number = 17,
       .name = "C_17",
       .handler = C_17,
       .parameters = kParametersOf16,
       .title = "Cancel waits",
-      .summary = "Removes the waiting rows of a step."},
+      .summary = "Removes the waiting rows of a step of this instance: its timers, and its tasks' time limits."},
      {.number = 18,
       .name = "C_18",
       .handler = C_18,
       .parameters = kParametersOf18,
       .effect = Effect::kByResult,
       .title = "Start child flow",
-      .summary = "Starts another flow on the same document; the children run when it has ended."},
+      .summary = "Starts another flow on the same document as a child; the children run when it has ended, unless it "
+                 "said C_73."},
      {.number = 19,
       .name = "C_19",
       .handler = C_19,
@@ -355,49 +159,49 @@ constexpr CommandTable kCommands = {
       .handler = C_23,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 24,
       .name = "C_24",
       .handler = C_24,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 25,
       .name = "C_25",
       .handler = C_25,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 26,
       .name = "C_26",
       .handler = C_26,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 27,
       .name = "C_27",
       .handler = C_27,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 28,
       .name = "C_28",
       .handler = C_28,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 29,
       .name = "C_29",
       .handler = C_29,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 30,
       .name = "C_30",
       .handler = C_30,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 31,
       .name = "C_31",
       .handler = C_31,
@@ -415,13 +219,14 @@ constexpr CommandTable kCommands = {
       .handler = C_33,
       .parameters = kParametersOf31,
       .title = "Latest approval table",
-      .summary = "Assigns the table of the latest approval-form record of the tree."},
+      .summary =
+          "Assigns the table of the latest approval-form record of the instance's tree; nothing when there is none."},
      {.number = 34,
       .name = "C_34",
       .handler = C_34,
       .parameters = kParametersOf31,
       .title = "Latest approval record",
-      .summary = "Assigns the latest approval-form record of the tree."},
+      .summary = "Assigns the latest approval-form record of the instance's tree; nothing when there is none."},
      {.number = 35,
       .name = "C_35",
       .handler = C_35,
@@ -461,31 +266,31 @@ constexpr CommandTable kCommands = {
       .handler = C_40,
       .parameters = kParametersOf39,
       .title = "Assign value",
-      .summary = "Assigns the value of an expression."},
+      .summary = "As C_39; the designer offers it as another kind of step."},
      {.number = 41,
       .name = "C_41",
       .handler = C_41,
       .parameters = kParametersOf39,
       .title = "Assign value",
-      .summary = "Assigns the value of an expression."},
+      .summary = "As C_39; the designer offers it as another kind of step."},
      {.number = 42,
       .name = "C_42",
       .handler = C_42,
       .parameters = kParametersOf39,
       .title = "Assign value",
-      .summary = "Assigns the value of an expression."},
+      .summary = "As C_39; the designer offers it as another kind of step."},
      {.number = 43,
       .name = "C_43",
       .handler = C_43,
       .parameters = kParametersOf39,
       .title = "Assign value",
-      .summary = "Assigns the value of an expression."},
+      .summary = "As C_39; the designer offers it as another kind of step."},
      {.number = 44,
       .name = "C_44",
       .handler = C_44,
       .parameters = kParametersOf39,
       .title = "Assign value",
-      .summary = "Assigns the value of an expression."},
+      .summary = "As C_39; the designer offers it as another kind of step."},
      {.number = 45,
       .name = "C_45",
       .handler = C_45,
@@ -497,13 +302,13 @@ constexpr CommandTable kCommands = {
       .handler = C_46,
       .parameters = kParametersOf45,
       .title = "Record reference",
-      .summary = "Assigns a record reference in its normal spelling."},
+      .summary = "Assigns a record reference in its normal spelling, \"TableID:n,DataID:m\"."},
      {.number = 47,
       .name = "C_47",
       .handler = C_47,
       .parameters = kParametersOf47,
       .title = "Field value",
-      .summary = "Assigns the value of an input unit of a record."},
+      .summary = "Assigns the value of an input unit of a record; files and pictures as references."},
      {.number = 48,
       .name = "C_48",
       .handler = C_48,
@@ -513,7 +318,7 @@ constexpr CommandTable kCommands = {
      {.number = 49,
       .name = "C_49",
       .handler = C_49,
-      .parameters = kParametersOf45,
+      .parameters = kParametersOf49,
       .title = "Accepted record",
       .summary = "Assigns a record reference when the host accepts the record."},
      {.number = 50,
@@ -557,19 +362,19 @@ constexpr CommandTable kCommands = {
       .handler = C_56,
       .parameters = kParametersOf55,
       .title = "Assign number",
-      .summary = "Assigns the value of an expression when it is a number."},
+      .summary = "As C_55; the designer offers it as another kind of step."},
      {.number = 57,
       .name = "C_57",
       .handler = C_57,
       .parameters = kParametersOf55,
       .title = "Assign number",
-      .summary = "Assigns the value of an expression when it is a number."},
+      .summary = "As C_55; the designer offers it as another kind of step."},
      {.number = 58,
       .name = "C_58",
       .handler = C_58,
       .parameters = kParametersOf55,
       .title = "Assign number",
-      .summary = "Assigns the value of an expression when it is a number."},
+      .summary = "As C_55; the designer offers it as another kind of step."},
      {.number = 59,
       .name = "C_59",
       .handler = C_59,
@@ -615,13 +420,13 @@ constexpr CommandTable kCommands = {
      {.number = 66,
       .name = "C_66",
       .handler = C_66,
-      .parameters = kParametersOf39,
+      .parameters = kParametersOf66,
       .title = "Is a number",
       .summary = "Assigns 1 when a value is a number, else 0."},
      {.number = 67,
       .name = "C_67",
       .handler = C_67,
-      .parameters = kParametersOf39,
+      .parameters = kParametersOf66,
       .title = "Is a date",
       .summary = "Assigns 1 when a value is a date, else 0."},
      {.number = 68,
@@ -629,7 +434,7 @@ constexpr CommandTable kCommands = {
       .handler = C_68,
       .parameters = kParametersOf31,
       .title = "Approval outcome",
-      .summary = "Assigns 1 when the latest approval of the approval step above has Status 3, else 0."},
+      .summary = "Assigns 1 when the latest approval of the nearest approval step above has Status 3, else 0."},
      {.number = 69,
       .name = "C_69",
       .handler = C_69,
@@ -641,7 +446,8 @@ constexpr CommandTable kCommands = {
       .handler = C_70,
       .parameters = kParametersOf70,
       .title = "Hand value back",
-      .summary = "Writes a value into a variable that the parent's child-flow step names."},
+      .summary = "Writes a value into a variable that the parent's C_18 step names; does nothing in a flow that no "
+                 "flow has started."},
      {.number = 71,
       .name = "C_71",
       .handler = C_71,
@@ -658,30 +464,31 @@ constexpr CommandTable kCommands = {
       .name = "C_73",
       .handler = C_73,
       .title = "Do not resume parent",
-      .summary = "The parent does not go on when this child flow ends."},
+      .summary = "Keeps the parent from going on when this child flow ends."},
      {.number = 74,
       .name = "C_74",
       .handler = C_74,
       .title = "Resume parent",
-      .summary = "The parent goes on when this child flow ends."},
+      .summary = "Lets the parent go on when this child flow ends; takes C_73 back."},
      {.number = 75,
       .name = "C_75",
       .handler = C_75,
       .parameters = kParametersOf22,
       .title = "Assign text",
-      .summary = "Assigns a text as it is stored, without evaluating it."},
+      .summary = "As C_22; the designer offers it as another kind of step."},
      {.number = 76,
       .name = "C_76",
       .handler = C_76,
       .parameters = kParametersOf76,
       .title = "Copy record",
-      .summary = "Copies the value of every input unit of a record into another record."},
+      .summary = "Copies the value of every input unit of a record into another record of the same form."},
      {.number = 77,
       .name = "C_77",
       .handler = C_77,
       .parameters = kParametersOf77,
       .title = "Find record",
-      .summary = "Assigns the newest record of a table that meets a condition."},
+      .summary = "Assigns the reference of the newest record of a table that meets a condition; the empty text when "
+                 "there is none."},
      {.number = 78,
       .name = "C_78",
       .handler = C_78,
@@ -693,13 +500,13 @@ constexpr CommandTable kCommands = {
       .handler = C_79,
       .parameters = kParametersOf79,
       .title = "Collect field",
-      .summary = "Assigns one field of all records of a table that meet a condition, joined by \",\"."},
+      .summary = "Assigns one field of all records of a table that meet a condition, oldest first, joined by \",\"."},
      {.number = 80,
       .name = "C_80",
       .handler = C_80,
       .parameters = kParametersOf80,
       .title = "Operation log",
-      .summary = "Writes an entry into the operation log as the system."},
+      .summary = "Writes an entry into the operation log, in the name of the system."},
      {.number = 81,
       .name = "C_81",
       .handler = C_81,
@@ -736,8 +543,7 @@ constexpr CommandTable kCommands = {
       .parameters = kParametersOf86,
       .run_cap = true,
       .title = "Run at moment",
-      .summary = "Has the host's scheduler run a step once at a moment; the flow goes on at once; at most 200 times in "
-                 "one instance."},
+      .summary = "Has the host's scheduler run a step once, at a moment, beside the flow, which goes on at once."},
      {.number = 87,
       .name = "C_87",
       .handler = C_87,
@@ -755,7 +561,7 @@ constexpr CommandTable kCommands = {
       .handler = C_89,
       .parameters = kParametersOf12,
       .title = "Delete open approvals",
-      .summary = "Deletes the open approvals of a record with their waiting rows."},
+      .summary = "Deletes the open approvals of a record, with their waiting rows; finished ones stay."},
      {.number = 90,
       .name = "C_90",
       .handler = C_90,
@@ -771,7 +577,7 @@ constexpr CommandTable kCommands = {
      {.number = 92,
       .name = "C_92",
       .handler = C_92,
-      .parameters = kParametersOf81,
+      .parameters = kParametersOf92,
       .title = "Day of week",
       .summary = "Assigns the day of the week of a date, Monday 1 to Sunday 7."},
      {.number = 93,
@@ -779,7 +585,7 @@ constexpr CommandTable kCommands = {
       .handler = C_93,
       .parameters = kParametersOf93,
       .title = "Replace",
-      .summary = "Assigns a text with occurrences of another replaced, from a start position on."},
+      .summary = "Assigns the part of a text from a start position on, with occurrences of another text replaced."},
      {.number = 94,
       .name = "C_94",
       .handler = C_94,
@@ -797,7 +603,7 @@ constexpr CommandTable kCommands = {
       .handler = C_96,
       .parameters = kParametersOf96,
       .title = "Position in text",
-      .summary = "Assigns the position of a text within another, 0 when absent."},
+      .summary = "Assigns the position of a text within another, from 1; 0 when it is not there."},
      {.number = 97,
       .name = "C_97",
       .handler = C_97,
@@ -810,8 +616,8 @@ constexpr CommandTable kCommands = {
       .handler = C_98,
       .parameters = kParametersOf31,
       .title = "Fill-in outcome",
-      .summary =
-          "Assigns 1 when the latest fill-in of the nearest step above whose command is C_98 has Status 3, else 0."}}};
+      .summary = "Assigns 1 when the latest fill-in of the nearest step above whose command is C_98 has Status 3, else "
+                 "0; below a fill-in step (C_97) it therefore assigns 0."}}};
 
 constexpr bool CompleteAndOrdered() {
   int number = 0;
@@ -824,7 +630,7 @@ constexpr bool CompleteAndOrdered() {
                                    : digits.size() == 2 && (digits[0] - '0') * 10 + (digits[1] - '0') == number;
     if (row.name.substr(0, 2) != "C_" || !spelt) return false;
     for (const ParameterRow& parameter : row.parameters) {
-      if (parameter.title.empty()) return false;
+      if (parameter.title.empty() || parameter.example.empty()) return false;
     }
   }
   return true;

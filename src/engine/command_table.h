@@ -25,16 +25,43 @@ enum class Effect {
 
 /// How a command takes a parameter.
 enum class Taken {
-  kEvaluated,         ///< the text is an expression
-  kAsStored,          ///< the text itself is the value
-  kVariable,          ///< the text itself names the variable that is written
-  kStoredOrEvaluated  ///< taken as stored when it fits as it is (a number, a flag), else evaluated
+  kEvaluated,          ///< the text is an expression
+  kAsStored,           ///< the text itself is the value
+  kVariable,           ///< the text itself names the variable that is written
+  kStoredOrEvaluated,  ///< taken as stored when it fits as it is (a number, a flag), else evaluated
+  kEvaluatedOrStored   ///< evaluated; taken as stored when the value is the empty text
+};
+
+/// What a command makes of a parameter's text.
+enum class Fits {
+  kText,          ///< any text
+  kRecord,        ///< "TableID:n,DataID:m"
+  kTable,         ///< "TableID:n", or the number alone
+  kUnit,          ///< an input unit's code, or "inunitid:code"
+  kFile,          ///< "fileid:n"
+  kPicture,       ///< "tablepicdataid:n"
+  kNumber,        ///< numeric text
+  kWholeNumber,   ///< numeric text that is taken as a whole number of 32 bits
+  kDate,          ///< date text
+  kFlag,          ///< "1" or "0"
+  kCompared,      ///< a side of a comparison
+  kStep,          ///< the number of a step of the same flow
+  kFlow,          ///< the number of a flow
+  kPosition,      ///< a position, from 1, as stored
+  kComparison,    ///< >= <= < > <> =
+  kOperator,      ///< + - * /
+  kCondition,     ///< a condition by which records are looked up
+  kVariable,      ///< a variable's name
+  kVariableList,  ///< names of variables separated by "|^|"
 };
 
 struct ParameterRow {
   std::string_view title;
   Taken taken = Taken::kEvaluated;
+  Fits fits = Fits::kText;
+  bool required = false;    ///< without it, or empty, the command does nothing that it is for
   std::string_view note{};  ///< what fits, the default, and what a value that does not fit does
+  std::string_view example = "\"...\"";
 };
 
 using Handler = Outcome (*)(Step&);
