@@ -33,6 +33,10 @@ bench:  ## build and run the benchmarks
 lint:  ## formatting, static analysis, folder dependencies (needs a build with tests)
 	tools/lint build
 
+docs: build  ## write the documents that the program generates
+	mkdir -p docs
+	build/bin/talmflow commands --markdown > docs/commands.md
+
 format:  ## format all sources
 	git ls-files -co --exclude-standard '*.cpp' '*.h' | xargs clang-format -i
 

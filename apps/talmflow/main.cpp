@@ -46,7 +46,9 @@ int Run(int argc, char** argv) {
   AddDrawSubcommands(app, subcommands);
   AddRunSubcommands(app, subcommands);
   AddListSubcommands(app, subcommands);
+  AddManualSubcommands(app, subcommands);
   AddLateBoundSubcommands(app, subcommands);
+  AddShellSubcommands(app, subcommands);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -66,6 +66,8 @@ void AddCatalogueSubcommands(CLI::App& parent, Subcommands& all);  // flows, sho
 void AddDrawSubcommands(CLI::App& parent, Subcommands& all);       // draw
 void AddRunSubcommands(CLI::App& parent, Subcommands& all);        // run, approve, finish
 void AddListSubcommands(CLI::App& parent, Subcommands& all);       // tasks, instances, variables, timers
+void AddManualSubcommands(CLI::App& parent, Subcommands& all);     // commands
 void AddLateBoundSubcommands(CLI::App& parent, Subcommands& all);  // call, rpc
+void AddShellSubcommands(CLI::App& parent, Subcommands& all);      // completion
 
 }  // namespace talm_flow::program
