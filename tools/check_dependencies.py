@@ -14,12 +14,13 @@ ALLOWED = {
     "design": {"db", "expr", "design"},
     "engine": {"db", "expr", "design", "engine"},
     "commands": {"db", "expr", "design", "engine", "commands"},
+    "check": {"db", "expr", "design", "engine", "commands", "check"},
     "host": {"host"},
     "adapters": {"adapters", "db/schema.h"},
     "late_bound": {"late_bound"},
 }
 # The component itself knows no adapter and no reference host.
-PURE = {"db", "expr", "design", "engine", "commands"}
+PURE = {"db", "expr", "design", "engine", "commands", "check"}
 FORBIDDEN_IN_PURE = ("talm_flow/adapters/", "talm_flow/host/reference_host.h", "talm_flow/late_bound.h")
 DRIVER_HEADERS = re.compile(r"(sqlite3|libpq-fe|sql|sqlext)\.h$")
 

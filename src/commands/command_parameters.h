@@ -110,7 +110,8 @@ inline constexpr ParameterRow kCondition{
     .note =
         "comparisons \"field >= value\" (also <= < > <> =), joined by and, or and parentheses; and and or need a "
         "blank on each side; fields are name, inputtime, id and the form's input units; a value is an expression "
-        "without operators; empty for every record; a condition that does not parse finds nothing and assigns "
+        "without parentheses and comparisons; empty for every record; a condition that does not parse finds nothing "
+        "and assigns "
         "nothing",
     .example = "name=applicant and id>10"};
 inline constexpr ParameterRow kItemPosition{

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "design/catalogue.h"
-#include "design/definition_text.h"
+#include "design/definition_parser.h"
 #include "talm_flow/error.h"
 #include "talm_flow/text.h"
 
@@ -14,39 +14,18 @@ namespace {
 
 using db::Quoted;
 
-class DefinitionReader {
+/// Writes what a definition text holds into the database.
+class DefinitionLoader {
  public:
-  DefinitionReader(db::Session& session, const Value& flow_id, std::string_view text)
-      : session_(session), flow_id_(flow_id), text_(text), rest_(text) {}
+  DefinitionLoader(db::Session& session, const Value& flow_id, std::string_view text)
+      : session_(session), flow_id_(flow_id), text_(text) {}
 
-  void Read() {
-    while (true) {
-      const std::string_view value = Next();
-      if (IsFlowRemark(value)) {
-        session_.Execute("update WorkFlowName set Remark=", Quoted(value.substr(kFlowRemarkKey.size())),
-                         " where flowid=", flow_id_);
-      } else if (value == "StepBegin") {
-        ReadStep();
-      } else if (value == "ParameterBegin") {
-        ReadParameters(value);
-      } else if (value == "FunctionParameterBegin") {
-        ReadInputParameter();
-      } else if (value.empty() || value == "FlowEnd") {
-        return;
-      }
-    }
+  void Remark(std::string_view remark) {
+    session_.Execute("update WorkFlowName set Remark=", Quoted(remark), " where flowid=", flow_id_);
   }
 
- private:
-  std::string_view Next() {
-    const auto [value, rest] = SeparateValue(rest_);
-    rest_ = rest;
-    return value;
-  }
-
-  void ReadStep() {
-    const auto [values, back] = GetStepValue(rest_);
-    rest_ = back.value_or(rest_);
+  void Step(std::string_view, const Attributes<5>& step) {
+    const auto& values = step.values;
     flow_no_ = values[kFlowNo].value_or(kNoNumber);
     session_.Execute("Insert Into WorkFlowConstruction (FlowID,FlowNo,ParentNo,Serial,Remark,Command) Values( ",
                      flow_id_, ",", flow_no_, ",", values[kParentNo].value_or(kNoNumber), ",",
@@ -54,29 +33,30 @@ class DefinitionReader {
                      Quoted(values[kCommand].value_or("")), ")");
   }
 
-  void ReadParameters(std::string_view begin) {
-    while (true) {
-      const std::string_view value = Next();
-      if (value == "ParameterEnd") return;
-      if (value.starts_with("//")) continue;
-      if (value.empty()) throw ArgumentError(LineOf(begin) + " has no ParameterEnd: the parameter block is not closed");
-      const std::size_t colon = value.find(':');
-      if (colon == std::string_view::npos) {
-        throw ArgumentError(LineOf(value) + " is no parameter: it has no \":\" behind a name");
-      }
-      session_.Execute("Insert Into WorkFlowParameter (FlowID,FlowNo,ParameterName,ParameterData) Values( ", flow_id_,
-                       ",", flow_no_, ",", Quoted(value.substr(0, colon)), ",", Quoted(value.substr(colon + 1)), ")");
-    }
+  void Parameter(std::string_view name, std::string_view data) {
+    session_.Execute("Insert Into WorkFlowParameter (FlowID,FlowNo,ParameterName,ParameterData) Values( ", flow_id_,
+                     ",", flow_no_, ",", Quoted(name), ",", Quoted(data), ")");
   }
 
-  void ReadInputParameter() {
-    const auto [values, back] = GetFunctionValue(rest_);
-    rest_ = back.value_or(rest_);
+  void InputParameter(std::string_view, const Attributes<4>& input) {
+    const auto& values = input.values;
     session_.Execute("Insert Into WorkFlowFunctionInput (FlowID,InputTitle,OrderNo,Sort,ClassContent) Values( ",
                      flow_id_, ",", Quoted(values[kInputTitle].value_or("")), ",", values[kOrderNo].value_or(kNoNumber),
                      ",", values[kSort].value_or(kNoNumber), ",", Quoted(values[kClassContent].value_or("")), ")");
   }
 
+  [[noreturn]] void NoParameter(std::string_view value) const {
+    throw ArgumentError(LineOf(value) + " is no parameter: it has no \":\" behind a name");
+  }
+
+  [[noreturn]] void NotClosed(std::string_view begin) const {
+    throw ArgumentError(LineOf(begin) + " has no ParameterEnd: the parameter block is not closed");
+  }
+
+  void PassedOver(std::string_view) {}
+  void End(std::string_view) {}
+
+ private:
   /// Names the line of the text with which a value begins.
   [[nodiscard]] std::string LineOf(std::string_view value) const {
     constexpr std::size_t kLongest = 100;
@@ -98,7 +78,6 @@ class DefinitionReader {
   db::Session& session_;
   const Value& flow_id_;
   std::string_view text_;
-  std::string_view rest_;
   std::string_view flow_no_ = kNoNumber;  // of the last step: parameters belong to it
 };
 
@@ -110,7 +89,8 @@ std::int16_t CreatFlow(db::Session& session, const Value& flow_id, std::string_v
   session.Execute("delete from WorkFlowConstruction where FlowID=", flow_id);
   session.Execute("delete from WorkFlowParameter where FlowID=", flow_id);
   session.Execute("delete from WorkFlowFunctionInput where FlowID=", flow_id);
-  DefinitionReader(session, flow_id, text).Read();
+  DefinitionLoader loader(session, flow_id, text);
+  DefinitionParser(text, loader).Parse();
   return 0;
 }
 

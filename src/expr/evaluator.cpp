@@ -29,19 +29,6 @@ std::string SubmittedRecord(const Scope& scope) {
   return reference;
 }
 
-/// What stands between double quotes or markers, when the operand is such a literal.
-std::optional<std::string_view> LiteralText(std::string_view operand) {
-  if (operand.front() == '"' && operand.back() == '"') {
-    const auto inner = operand.size() < 3 ? std::string_view() : operand.substr(1, operand.size() - 2);
-    if (inner.find('"') == std::string_view::npos) return inner;
-  }
-  if (operand.starts_with(kMarkBegin) && operand.ends_with(kMarkEnd)) {
-    const auto behind = operand.substr(kMarkBegin.size());
-    if (behind.find(kMarkBegin) == std::string_view::npos) return behind.substr(0, behind.size() - kMarkEnd.size());
-  }
-  return std::nullopt;
-}
-
 /// The value of an operand that is not numeric.
 std::string NamedValue(db::Session& session, const Scope& scope, std::string_view operand) {
   if (operand == "DataID_Submit") return SubmittedRecord(scope);

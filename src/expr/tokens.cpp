@@ -25,6 +25,18 @@ std::size_t TokenEnd(std::string_view text, std::size_t begin) {
   return BehindOrEnd(text, text.find_first_of(kOperandEnds, begin + 1), 0);
 }
 
+std::optional<std::string_view> LiteralText(std::string_view operand) {
+  if (operand.front() == '"' && operand.back() == '"') {
+    const auto inner = operand.size() < 3 ? std::string_view() : operand.substr(1, operand.size() - 2);
+    if (inner.find('"') == std::string_view::npos) return inner;
+  }
+  if (operand.starts_with(kMarkBegin) && operand.ends_with(kMarkEnd)) {
+    const auto behind = operand.substr(kMarkBegin.size());
+    if (behind.find(kMarkBegin) == std::string_view::npos) return behind.substr(0, behind.size() - kMarkEnd.size());
+  }
+  return std::nullopt;
+}
+
 void Tokens::Read(std::string_view text) {
   text_ = text;
   count_ = 0;

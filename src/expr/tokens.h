@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 namespace talm_flow::expr {
@@ -23,6 +24,9 @@ inline constexpr std::size_t kMaxTokens = 101;
 
 /// Where the token that starts at `begin` ends; `begin` must lie within the text.
 [[nodiscard]] std::size_t TokenEnd(std::string_view text, std::size_t begin);
+
+/// What stands between double quotes or markers, when the operand (not empty) is such a literal.
+[[nodiscard]] std::optional<std::string_view> LiteralText(std::string_view operand);
 
 /// The tokens of a text, one right behind the other. Refers to the text.
 class Tokens {
