@@ -119,13 +119,17 @@ void CheckLines(const std::string& file, const std::string& text) {
 
 }  // namespace
 
-std::string ReadDefinition(const std::string& file) {
+std::string ReadDefinitionUnchecked(const std::string& file) {
   const auto bytes = ReadAll(file);
   std::string_view text = bytes;
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   RequireUtf8(file, text);
-  auto definition = WithCrLf(text);
+  return WithCrLf(text);
+}
+
+std::string ReadDefinition(const std::string& file) {
+  auto definition = ReadDefinitionUnchecked(file);
   constexpr std::string_view kVersion = "Ver:Flow_V600\r\n";
   if (definition.starts_with(kVersion)) {
     throw UserError(Place(file, 1) + "the version line must not come first; put a line \"//\" before it");

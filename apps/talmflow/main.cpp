@@ -46,6 +46,7 @@ int Run(int argc, char** argv) {
   AddDrawSubcommands(app, subcommands);
   AddRunSubcommands(app, subcommands);
   AddListSubcommands(app, subcommands);
+  AddCheckSubcommands(app, subcommands);
   AddManualSubcommands(app, subcommands);
   AddLateBoundSubcommands(app, subcommands);
   AddShellSubcommands(app, subcommands);
@@ -60,11 +61,14 @@ int Run(int argc, char** argv) {
     std::cerr << "Run with --help for what is possible.\n";
     return kWrongUsage;
   }
+  int status = 0;
   for (const auto& subcommand : subcommands) {
-    if (subcommand->IsChosen()) subcommand->Run(options);
+    if (!subcommand->IsChosen()) continue;
+    subcommand->Run(options);
+    status = subcommand->Status();
   }
   std::cout.flush();
-  return std::cout ? 0 : Complain(kFailed, "standard output could not be written");
+  return std::cout ? status : Complain(kFailed, "standard output could not be written");
 }
 
 }  // namespace

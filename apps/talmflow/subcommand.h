@@ -47,6 +47,8 @@ class Subcommand {
   /// Whether this is the one that the command line names.
   [[nodiscard]] bool IsChosen() const { return app_->parsed() && app_->get_subcommands().empty(); }
   virtual void Run(const GlobalOptions& options) = 0;
+  /// The exit status after a run that came to its end.
+  [[nodiscard]] virtual int Status() const { return 0; }
 
  protected:
   [[nodiscard]] CLI::App& app() { return *app_; }
@@ -66,6 +68,7 @@ void AddCatalogueSubcommands(CLI::App& parent, Subcommands& all);  // flows, sho
 void AddDrawSubcommands(CLI::App& parent, Subcommands& all);       // draw
 void AddRunSubcommands(CLI::App& parent, Subcommands& all);        // run, approve, finish
 void AddListSubcommands(CLI::App& parent, Subcommands& all);       // tasks, instances, variables, timers
+void AddCheckSubcommands(CLI::App& parent, Subcommands& all);      // check
 void AddManualSubcommands(CLI::App& parent, Subcommands& all);     // commands
 void AddLateBoundSubcommands(CLI::App& parent, Subcommands& all);  // call, rpc
 void AddShellSubcommands(CLI::App& parent, Subcommands& all);      // completion

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "check.h"
 #include "definition_text.h"
 #include "json.h"
 #include "lookup.h"
@@ -20,16 +21,19 @@ class Import : public Subcommand {
                    "talmflow import leave.txt\n"
                    "talmflow import leave.txt --name \"Leave request\" --creater kim\n"
                    "talmflow import leave.txt --flow 3\n"
-                   "\nLine ends may be LF or CR LF. A new flow is named like the file unless --name tells otherwise.") {
+                   "\nLine ends may be LF or CR LF. A new flow is named like the file unless --name tells otherwise.\n"
+                   "What is wrong with the definition is told, and one that holds errors is refused without --force.") {
     app().add_option("FILE", file_, "The definition text, UTF-8; - for standard input")->required();
     app().add_option("--name", name_, "The flow's name");
     app().add_option("--flow", flow_, "The flow whose steps to replace, by number or name");
     app().add_option("--creater", creater_, "Who made the flow");
+    app().add_flag("--force", force_, "Load the definition though it holds errors");
   }
 
   void Run(const GlobalOptions& options) override {
     Workspace workspace(options, Need::kComplete);
     const auto text = ReadDefinition(file_);
+    const auto findings = Checked(workspace, text);
     std::int64_t flow = 0;
     workspace.Together([&] { flow = flow_.empty() ? Add(workspace, text) : Replace(workspace, text); });
     const auto steps = NumberOf(
@@ -37,7 +41,8 @@ class Import : public Subcommand {
     const auto name =
         JoinedText(workspace.FirstField("Select FlowName From WorkFlowName Where FlowID=" + std::to_string(flow)));
     if (options.json) {
-      std::cout << Dump({{"flow", flow}, {"name", name}, {"steps", steps}}) << '\n';
+      std::cout << Dump({{"flow", flow}, {"name", name}, {"steps", steps}, {"findings", FindingsAsJson(findings)}})
+                << '\n';
     } else {
       std::cout << (flow_.empty() ? "Added " : "Replaced ") << FlowTitle(workspace, flow) << " with " << steps
                 << (steps == 1 ? " step\n" : " steps\n");
@@ -45,6 +50,18 @@ class Import : public Subcommand {
   }
 
  private:
+  /// The findings, told; errors refuse the text.
+  [[nodiscard]] Findings Checked(Workspace& workspace, const std::string& text) const {
+    const Value replaced = flow_.empty() ? Value() : Value(FlowOf(workspace, flow_));
+    auto findings = CheckDefinition(workspace.database(), workspace.services(), text, replaced);
+    std::cout.flush();
+    PrintFindings(std::cerr, findings, file_ == "-" ? "standard input" : file_);
+    if (HasErrors(findings) && !force_) {
+      throw UserError("the definition holds errors and was not loaded; --force loads it all the same");
+    }
+    return findings;
+  }
+
   std::int64_t Add(Workspace& workspace, const std::string& text) const {
     if (name_.empty() && file_ == "-") throw UsageError("--name is needed when the text comes from standard input");
     const auto name = name_.empty() ? std::filesystem::path(file_).stem().string() : name_;
@@ -76,6 +93,7 @@ class Import : public Subcommand {
   std::string name_;
   std::string flow_;
   std::string creater_;
+  bool force_ = false;
 };
 
 class Export : public Subcommand {
