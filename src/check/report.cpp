@@ -25,6 +25,7 @@ constexpr Row kRows[] = {
     {Code::kOrphan, {"W105", "Step below a step that is not there"}},
     {Code::kNeverRun, {"W106", "Step that is never run"}},
     {Code::kTooManyChildren, {"W107", "More than 10000 children"}},
+    {Code::kNoSteps, {"W108", "Flow without steps"}},
     {Code::kNoVersion, {"E111", "No version line"}},
     {Code::kNotClosed, {"E112", "Parameters without an end"}},
     {Code::kNoParameter, {"E113", "Line in a parameter block that is no parameter"}},

@@ -22,6 +22,7 @@ enum class Code {
   kOrphan,
   kNeverRun,
   kTooManyChildren,
+  kNoSteps,
   kNoVersion,
   kNotClosed,
   kNoParameter,

@@ -146,7 +146,10 @@ std::optional<std::size_t> Tree::Find(std::int64_t number) const {
 }
 
 void CheckStructure(const Definition& definition, const Tree& tree, Report& report) {
-  if (!tree.Find(1)) {
+  if (definition.steps.empty()) {
+    report.Add(Code::kNoSteps, {}, "The flow has no steps; starting it does nothing.",
+               "Add the step 1, with the parent 0.");
+  } else if (!tree.Find(1)) {
     report.Add(Code::kNoFirstStep, {}, "The flow has no step 1; starting it does nothing.",
                "Give the step with which the flow begins the number 1, and the parent 0.");
   }
