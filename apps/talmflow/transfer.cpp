@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 
 #include "check.h"
 #include "definition_text.h"
@@ -41,8 +42,9 @@ class Import : public Subcommand {
     const auto name =
         JoinedText(workspace.FirstField("Select FlowName From WorkFlowName Where FlowID=" + std::to_string(flow)));
     if (options.json) {
-      std::cout << Dump({{"flow", flow}, {"name", name}, {"steps", steps}, {"findings", FindingsAsJson(findings)}})
-                << '\n';
+      Json told = {{"flow", flow}, {"name", name}, {"steps", steps}};
+      if (!findings.empty()) told["findings"] = FindingsAsJson(findings);
+      std::cout << Dump(told) << '\n';
     } else {
       std::cout << (flow_.empty() ? "Added " : "Replaced ") << FlowTitle(workspace, flow) << " with " << steps
                 << (steps == 1 ? " step\n" : " steps\n");
@@ -54,11 +56,12 @@ class Import : public Subcommand {
   [[nodiscard]] Findings Checked(Workspace& workspace, const std::string& text) const {
     const Value replaced = flow_.empty() ? Value() : Value(FlowOf(workspace, flow_));
     auto findings = CheckDefinition(workspace.database(), workspace.services(), text, replaced);
-    std::cout.flush();
-    PrintFindings(std::cerr, findings, file_ == "-" ? "standard input" : file_);
+    std::ostringstream told;
+    PrintFindings(told, findings, file_ == "-" ? "standard input" : file_);
     if (HasErrors(findings) && !force_) {
-      throw UserError("the definition holds errors and was not loaded; --force loads it all the same");
+      throw UserError("the definition holds errors and was not loaded; --force loads it all the same\n" + told.str());
     }
+    std::cerr << told.str();
     return findings;
   }
 

@@ -54,9 +54,13 @@ class ExpressionCheck {
       : expression_(expression), context_(context) {}
 
   std::optional<std::string> Run() {
-    if (expression_.empty() || IsNumeric(expression_)) return std::string(expression_);
+    if (expression_.empty()) return std::string();
     if (!ReadItems()) return std::nullopt;
     if (items_.size() == 1) return OneOperand();
+    if (IsNumeric(expression_)) {
+      TellSignedNumber();
+      return std::nullopt;
+    }
     if (IsDate(Trimmed(expression_))) {
       Tell(Code::kDateComputed, Shown(expression_) + " is no date here: its signs are operators, and it is computed.",
            "Put the date in double quotes.");
@@ -111,6 +115,19 @@ class ExpressionCheck {
     return item.value;
   }
 
+  /// A number with a sign of its own, or with one in its exponent, is several tokens.
+  void TellSignedNumber() {
+    const char sign = Trimmed(expression_).front();
+    if (sign == '-' || sign == '+') {
+      Tell(Code::kOperandMissing,
+           std::string("The \"") + sign + "\" is an operator without a left side; the result is \"缺少运算数\".",
+           "Put a number with a sign in double quotes, as \"-3\".");
+    } else {
+      Tell(Code::kNotRepresentable, "The sign in the exponent of " + Shown(expression_) + " is taken for an operator.",
+           "Write the number out, or put it in double quotes.");
+    }
+  }
+
   void TellParenthesis(char symbol) {
     if (symbol == '(' || symbol == ')') {
       TellUnmatched(symbol);
@@ -159,7 +176,7 @@ class ExpressionCheck {
       Tell(Code::kParentheses, "A \")\" has no \"(\" before it; the result is \"括号不完整\".",
            "Remove it, or write the \"(\" that it closes.");
     } else {
-      Tell(Code::kParentheses, "A \"(\" is not closed; the result is the empty text or an error text.",
+      Tell(Code::kParentheses, "A \"(\" is not closed; what it begins is not computed.",
            "Write the \")\" that closes it.");
     }
   }
@@ -191,48 +208,58 @@ class ExpressionCheck {
       Tell(Code::kOperandMissing, "Nothing stands between \"(\" and \")\".", "Write what belongs there.");
       return false;
     }
-    if (items.front().symbol == '-' && items.size() > 1 && items[1].symbol == 0) {
-      Tell(Code::kOperandMissing, "A leading \"-\" is an operator without a left side; the result is \"缺少运算数\".",
-           "Put a negative number in double quotes, as \"-3\", or subtract from a larger number.");
+    for (std::size_t i = 1; i < items.size(); ++i) {
+      if (items[i - 1].symbol != 0 && items[i].symbol != 0) {
+        Tell(Code::kOperandMissing,
+             std::string("\"") + items[i].symbol + "\" stands beside \"" + items[i - 1].symbol +
+                 "\", and one of the two is taken for a variable's name.",
+             "Write one operator between two operands; put a negative number in double quotes.");
+        return false;
+      }
+    }
+    for (std::size_t i = 1; i < items.size(); ++i) {
+      if (items[i - 1].symbol != 0 || items[i].symbol != 0) continue;
+      TellSideBySide(items[i - 1], items[i], i == 1, i + 1 == items.size());
       return false;
     }
-    if (items.front().symbol != 0 || items.back().symbol != 0) {
+    if (items.front().symbol == 0 && items.back().symbol == 0) return true;
+    if (items.size() == 1) {
+      Tell(Code::kOperandMissing, "An operator stands alone between parentheses.", "Write its operands.");
+      return false;
+    }
+    if (items.front().symbol == '-') {
+      Tell(Code::kOperandMissing, "A leading \"-\" is an operator without a left side; the result is \"缺少运算数\".",
+           "Put a negative number in double quotes, as \"-3\", or subtract from a larger number.");
+    } else {
       const char symbol = items.front().symbol != 0 ? items.front().symbol : items.back().symbol;
       Tell(Code::kOperandMissing,
            std::string("Nothing stands on one side of \"") + symbol + "\"; the result is \"缺少运算数\".",
            "Write the operand that is missing, or put a text with signs in double quotes.");
-      return false;
     }
-    for (std::size_t i = 1; i < items.size(); ++i) {
-      if (items[i - 1].symbol != 0 && items[i].symbol != 0) {
-        Tell(Code::kOperandMissing,
-             std::string("\"") + items[i].symbol + "\" stands where an operand of \"" + items[i - 1].symbol +
-                 "\" belongs.",
-             "Write one operator between two operands; put a negative number in double quotes.");
-        return false;
-      }
-      if (items[i - 1].symbol == 0 && items[i].symbol == 0) {
-        TellSideBySide(items[i - 1].text, items[i].text);
-        return false;
-      }
-    }
-    return true;
+    return false;
   }
 
-  void TellSideBySide(std::string_view left, std::string_view right) {
-    const bool blank = (!left.empty() && Trimmed(left).empty()) || (!right.empty() && Trimmed(right).empty());
+  static bool IsBlank(const Item& item) { return !item.text.empty() && Trimmed(item.text).empty(); }
+
+  /// Whether an operand is no number, so that no operator makes one of it, whose digits could run into its neighbour.
+  static bool IsText(const Item& item) { return IsBlank(item) || (item.value && !IsNumeric(*item.value)); }
+
+  void TellSideBySide(const Item& left, const Item& right, bool left_is_first, bool right_is_last) {
+    const bool blank = IsBlank(left) || IsBlank(right);
+    const bool certain = (left_is_first || IsText(left)) && (right_is_last || IsText(right));
+    const std::string ending = certain ? "; the result is the empty text." : ".";
     if (blank) {
-      Tell(Code::kOperatorMissing,
-           "The blank beside a quoted text or a parenthesis is an operand of its own, with no operator before it; the "
-           "result is the empty text.",
+      Tell(certain ? Code::kOperatorMissing : Code::kBlankBesideLiteral,
+           "The blank beside a quoted text or a parenthesis is an operand of its own, with no operator before it" +
+               ending,
            "Write no blanks around operators.");
-    } else {
-      Tell(Code::kOperatorMissing,
-           "Two operands stand side by side" +
-               (left.empty() || right.empty() ? std::string() : ", " + Shown(left) + " and " + Shown(right)) +
-               ", with no operator between them; the result is the empty text.",
-           "Write \"+\" between them, without blanks around it, to join two texts.");
+      return;
     }
+    const bool shown = !left.text.empty() && !right.text.empty();
+    Tell(Code::kOperatorMissing,
+         "Two operands stand side by side" + (shown ? ", " + Shown(left.text) + " and " + Shown(right.text) : "") +
+             ", with no operator between them" + ending,
+         "Write \"+\" between them, without blanks around it, to join two texts.");
   }
 
   std::optional<std::string> Applied(char symbol, const Item& left, const Item& right) {
@@ -357,9 +384,10 @@ class ExpressionCheck {
                            : "The blanks beside " + Shown(trimmed) + " belong to the name; the variable " +
                                  Shown(name) + " is looked up.",
            trimmed.empty() ? "Leave the value empty." : "Remove the blanks around names.");
-    } else if (name.find('"') != std::string_view::npos || name.find(kMarkBegin) != std::string_view::npos) {
-      Tell(Code::kLiteralInName, "The quotes in " + Shown(name) + " begin no text: they belong to a variable's name.",
-           "Write an operator between the name and the quoted text, as name+\"text\".");
+    } else if (name.find_first_of("\"(") != std::string_view::npos || name.find(kMarkBegin) != std::string_view::npos) {
+      Tell(Code::kLiteralInName,
+           "The quotes or parentheses in " + Shown(name) + " begin nothing: they belong to a variable's name.",
+           "Write an operator between the name and what follows, as name+\"text\".");
     } else if (const auto* const meant = SpecialMeantBy(name)) {
       Tell(Code::kMisspeltName,
            Shown(name) + " is a variable's name; the special name is spelt " + std::string(*meant) + ".",

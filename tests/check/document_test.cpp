@@ -92,7 +92,7 @@ std::string CodesOfStored(const Example& example, bool with_other) {
   return Codes(CheckFlow(world.connection(), world.services(), 1));
 }
 
-std::string CodesOf(const Example& example) {
+std::string CodesOfExample(const Example& example) {
   const bool stored = example.mark.find(" stored") != std::string::npos;
   if (stored) return CodesOfStored(example, example.mark.ends_with(" with flow 2"));
   return CodesOf(WholeText(example.body, example.mark.ends_with(" at the end")));
@@ -103,8 +103,8 @@ TEST(CheckDocumentTest, EveryExampleGivesExactlyItsCode) {
   ASSERT_GT(examples.size(), 90U);
   for (const auto& example : examples) {
     const auto expected = example.mark.substr(0, example.mark.find(' '));
-    EXPECT_EQ(CodesOf(example), expected == "none" ? "" : expected) << "docs/checks.md:" << example.line << "\n"
-                                                                    << example.body;
+    EXPECT_EQ(CodesOfExample(example), expected == "none" ? "" : expected) << "docs/checks.md:" << example.line << "\n"
+                                                                           << example.body;
   }
 }
 
@@ -115,7 +115,7 @@ TEST(CheckDocumentTest, EveryCodeIsToldWithItsTitle) {
   for (const auto& [code, title] : CheckCodes()) {
     EXPECT_NE(document.find("\n### " + std::string(code) + " " + std::string(title) + "\n"), std::string::npos) << code;
     // An example of 10001 steps is no example.
-    if (code != "W107") EXPECT_TRUE(with_example.contains(std::string(code))) << code;
+    EXPECT_TRUE(code == "W107" || with_example.contains(std::string(code))) << code;
   }
 }
 
