@@ -57,7 +57,7 @@ class Check : public Subcommand {
     if (options.json) {
       std::cout << Dump(FindingsAsJson(findings), 2) << '\n';
     } else {
-      PrintFindings(std::cout, findings, source);
+      if (!findings.empty()) std::cout << FindingsAsText(findings, source) << '\n';
       std::cout << FindingsCounted(findings) << '\n';
     }
     if (HasErrors(findings)) status_ = 1;
@@ -84,11 +84,14 @@ bool HasErrors(const Findings& findings) {
   return std::any_of(findings.begin(), findings.end(), [](const Finding& finding) { return finding.IsError(); });
 }
 
-void PrintFindings(std::ostream& out, const Findings& findings, const std::string& source) {
+std::string FindingsAsText(const Findings& findings, const std::string& source) {
+  std::string text;
   for (const auto& finding : findings) {
-    out << Bold(Printable(Heading(finding, source))) << ' ' << Printable(finding.problem) << "\n    "
-        << Printable(finding.advice) << '\n';
+    if (!text.empty()) text += '\n';
+    text +=
+        Printable(Heading(finding, source)) + " " + Printable(finding.problem) + "\n    " + Printable(finding.advice);
   }
+  return text;
 }
 
 std::string FindingsCounted(const Findings& findings) {

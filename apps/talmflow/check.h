@@ -2,7 +2,6 @@
 
 /// Findings of the definition checker, as people and programs read them.
 
-#include <iosfwd>
 #include <string>
 
 #include "json.h"
@@ -12,9 +11,9 @@ namespace talm_flow::program {
 
 [[nodiscard]] bool HasErrors(const Findings& findings);
 
-/// Two lines a finding: where and what, and what to write instead.
+/// Two lines a finding, without the last line end: where and what, and what to write instead.
 /// @param source  what stands in front: the file, or the flow's title.
-void PrintFindings(std::ostream& out, const Findings& findings, const std::string& source);
+[[nodiscard]] std::string FindingsAsText(const Findings& findings, const std::string& source);
 
 /// "2 errors, 1 warning."
 [[nodiscard]] std::string FindingsCounted(const Findings& findings);

@@ -1,6 +1,5 @@
 #include <filesystem>
 #include <iostream>
-#include <sstream>
 
 #include "check.h"
 #include "definition_text.h"
@@ -48,22 +47,22 @@ class Import : public Subcommand {
     } else {
       std::cout << (flow_.empty() ? "Added " : "Replaced ") << FlowTitle(workspace, flow) << " with " << steps
                 << (steps == 1 ? " step\n" : " steps\n");
+      std::cout.flush();
+      if (!findings.empty()) std::cerr << FindingsAsText(findings, Source()) << '\n';
     }
   }
 
  private:
-  /// The findings, told; errors refuse the text.
+  /// What the checker finds. @throws UserError  errors, without --force.
   [[nodiscard]] Findings Checked(Workspace& workspace, const std::string& text) const {
     const Value replaced = flow_.empty() ? Value() : Value(FlowOf(workspace, flow_));
     auto findings = CheckDefinition(workspace.database(), workspace.services(), text, replaced);
-    std::ostringstream told;
-    PrintFindings(told, findings, file_ == "-" ? "standard input" : file_);
-    if (HasErrors(findings) && !force_) {
-      throw UserError("the definition holds errors and was not loaded; --force loads it all the same\n" + told.str());
-    }
-    std::cerr << told.str();
-    return findings;
+    if (!HasErrors(findings) || force_) return findings;
+    throw UserError("the definition holds errors and was not loaded; --force loads it all the same\n" +
+                    FindingsAsText(findings, Source()));
   }
+
+  [[nodiscard]] std::string Source() const { return file_ == "-" ? "standard input" : file_; }
 
   std::int64_t Add(Workspace& workspace, const std::string& text) const {
     if (name_.empty() && file_ == "-") throw UsageError("--name is needed when the text comes from standard input");

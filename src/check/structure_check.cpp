@@ -14,8 +14,6 @@ namespace {
 constexpr std::int64_t kLastStep = 32767;
 constexpr std::size_t kMostChildren = 10000;
 
-std::string Named(const Step& step) { return "step " + std::to_string(step.number.value_or(0)); }
-
 void CheckNumbers(const Definition& definition, Report& report) {
   std::unordered_set<std::int64_t> seen;
   for (const Step& step : definition.steps) {
@@ -104,22 +102,17 @@ void CheckReached(const Tree& tree, const std::vector<bool>& on_circle, Report& 
     const auto parent = tree.Find(*step.parent);
     if (*step.parent == 0) {
       report.Add(Code::kNeverRun, {.step = &step}, "No step stands above this one, and no jump or timer runs it.",
-                 "Give it a parent, or the number of a jump's or timer's target.");
-    } else if (parent && reached[*parent]) {
+                 "Give it a parent, or make it the target of a jump or a timer.");
+    } else if (!parent) {
+      report.Add(
+          Code::kOrphan, {.step = &step},
+          "The parent, step " + std::to_string(*step.parent) + ", does not exist, and no jump or timer runs the step.",
+          "Name a step of the flow as the parent.");
+    } else if (reached[*parent]) {
       report.Add(Code::kNeverRun, {.step = &step},
                  "The step is never run: a jump runs its target in place of its own children.",
                  "Put the step below another one, or above the jump.");
     }
-  }
-}
-
-void CheckParents(const Tree& tree, Report& report) {
-  for (const Step* step : tree.steps()) {
-    if (!step->parent || *step->parent == 0 || tree.Find(*step->parent)) continue;
-    report.Add(Code::kOrphan, {.step = step},
-               "The parent, step " + std::to_string(*step->parent) + ", does not exist; nothing leads to " +
-                   Named(*step) + " but a jump or a timer.",
-               "Name a step of the flow as the parent.");
   }
 }
 
@@ -155,7 +148,6 @@ void CheckStructure(const Definition& definition, const Tree& tree, Report& repo
   }
   CheckNumbers(definition, report);
   CheckChildren(tree, report);
-  CheckParents(tree, report);
   CheckReached(tree, CheckCircles(tree, report), report);
 }
 

@@ -12,7 +12,7 @@ class DefinitionsTest : public TalmflowTest {
   /// The complaint about a text, after which no flow is there.
   std::string Refused(std::string_view text) const {
     Write("flow.txt", text);
-    auto complaint = Fail(1, {"import", "flow.txt"});
+    auto complaint = Fail(1, {"import", "flow.txt", "--force"});
     EXPECT_EQ(Rows("select FlowID from WorkFlowName"), nlohmann::json::array());
     EXPECT_EQ(Rows("select FlowNo from WorkFlowConstruction"), nlohmann::json::array());
     return complaint;
@@ -27,7 +27,7 @@ const std::vector<StepText> kSteps = {{1, 0, "C_22", {"days", "3"}, "Count the d
 
 TEST_F(DefinitionsTest, AFileBecomesAFlowNamedLikeIt) {
   Write("leave.txt", Definition(kSteps, "Leave requests"));
-  EXPECT_EQ(Succeed({"import", "leave.txt"}), "Added flow 1 \"leave\" with 5 steps\n");
+  EXPECT_EQ(Load("leave.txt"), "Added flow 1 \"leave\" with 5 steps\n");
   EXPECT_EQ(Succeed({"flows"}),
             "Flow  Name   Creater  Steps  Remark\n"
             "1     leave           5      Leave requests\n");
@@ -35,15 +35,15 @@ TEST_F(DefinitionsTest, AFileBecomesAFlowNamedLikeIt) {
 
 TEST_F(DefinitionsTest, NameAndMakerMayBeGiven) {
   Write("leave.txt", Definition(kSteps));
-  (void)Succeed({"import", "leave.txt", "--name", "请假", "--creater", "kim"});
+  (void)Load("leave.txt", {"--name", "请假", "--creater", "kim"});
   EXPECT_EQ(SucceedJson({"flows"}),
             nlohmann::json::parse(R"([{"flow":1,"name":"请假","creater":"kim","steps":5,"remark":""}])"));
 }
 
 TEST_F(DefinitionsTest, ColumnsOfWideCharactersStayAligned) {
   Write("leave.txt", Definition({{1, 0, "C_73"}}));
-  (void)Succeed({"import", "leave.txt", "--name", "请假"});
-  (void)Succeed({"import", "leave.txt", "--name", "trip"});
+  (void)Load("leave.txt", {"--name", "请假"});
+  (void)Load("leave.txt", {"--name", "trip"});
   EXPECT_EQ(Succeed({"flows"}),
             "Flow  Name  Creater  Steps  Remark\n"
             "2     trip           1\n"
@@ -53,8 +53,8 @@ TEST_F(DefinitionsTest, ColumnsOfWideCharactersStayAligned) {
 TEST_F(DefinitionsTest, AFlowsStepsAreReplaced) {
   Write("leave.txt", Definition(kSteps, "old"));
   Write("new.txt", Definition({{1, 0, "C_73"}}, "new"));
-  (void)Succeed({"import", "leave.txt", "--creater", "kim"});
-  EXPECT_EQ(Succeed({"import", "new.txt", "--flow", "leave"}), "Replaced flow 1 \"leave\" with 1 step\n");
+  (void)Load("leave.txt", {"--creater", "kim"});
+  EXPECT_EQ(Load("new.txt", {"--flow", "leave"}), "Replaced flow 1 \"leave\" with 1 step\n");
   EXPECT_EQ(SucceedJson({"import", "new.txt", "--flow", "1", "--name", "trip"}),
             nlohmann::json::parse(R"({"flow":1,"name":"trip","steps":1})"));
   EXPECT_EQ(SucceedJson({"flows"})[0],
@@ -67,8 +67,8 @@ TEST_F(DefinitionsTest, LineEndsAndByteOrderMarksDoNotMatter) {
   for (const char c : lf) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
   Write("lf.txt", lf);
   Write("crlf.txt", crlf);
-  (void)Succeed({"import", "lf.txt"});
-  (void)Succeed({"import", "crlf.txt"});
+  (void)Load("lf.txt");
+  (void)Load("crlf.txt");
   EXPECT_EQ(Succeed({"export", "lf"}), Succeed({"export", "crlf"}));
   EXPECT_EQ(Rows("select distinct ParameterData from WorkFlowParameter where ParameterName='C_22_2'"),
             nlohmann::json::parse(R"([{"ParameterData":"first\r\nsecond"}])"));
@@ -82,9 +82,9 @@ TEST_F(DefinitionsTest, ATextMayComeFromStandardInput) {
 
 TEST_F(DefinitionsTest, AnExportLoadsAsTheSameFlow) {
   Write("leave.txt", Definition(kSteps, "Leave\nrequests"));
-  (void)Succeed({"import", "leave.txt"});
+  (void)Load("leave.txt");
   EXPECT_EQ(Succeed({"export", "leave", "-o", "copy.txt"}), "Wrote flow 1 \"leave\" to copy.txt\n");
-  (void)Succeed({"import", "copy.txt"});
+  (void)Load("copy.txt");
   EXPECT_EQ(Succeed({"export", "2"}), Succeed({"export", "1"}));
   EXPECT_EQ(Read("copy.txt"), Succeed({"export", "1"}) + "\r\n");
   EXPECT_EQ(SucceedJson({"export", "1"})["text"], Succeed({"export", "1"}));
@@ -92,7 +92,7 @@ TEST_F(DefinitionsTest, AnExportLoadsAsTheSameFlow) {
 
 TEST_F(DefinitionsTest, AnExportThatCannotBeWrittenIsTold) {
   Write("leave.txt", Definition(kSteps));
-  (void)Succeed({"import", "leave.txt"});
+  (void)Load("leave.txt");
   EXPECT_THAT(Fail(1, {"export", "1", "-o", "no/such/folder.txt"}), HasSubstr("no/such/folder.txt"));
 }
 
@@ -126,7 +126,7 @@ TEST_F(DefinitionsTest, BadLinesAreRefusedWithTheirPlace) {
 
 TEST_F(DefinitionsTest, ABlankNameIsRefused) {
   Write("leave.txt", Definition(kSteps));
-  EXPECT_EQ(Fail(1, {"import", "leave.txt", "--name", " "}), "talmflow: a flow's name must not be blank\n");
+  EXPECT_EQ(Fail(1, {"import", "leave.txt", "--name", " ", "--force"}), "talmflow: a flow's name must not be blank\n");
   EXPECT_EQ(Succeed({"flows"}), "There are no flows.\n");
 }
 
@@ -138,15 +138,15 @@ TEST_F(DefinitionsTest, AStatementThatTheDatabaseRefusesIsTold) {
 
 TEST_F(DefinitionsTest, WithoutATransactionWhatWasWrittenStays) {
   Write("flow.txt", "//\nVer:Flow_V600\nStepBegin\nFlowNo:1\nParentNo:0\nSerial:1,2\nCommand:C_22\nFlowEnd\n");
-  (void)Fail(1, {"--no-transaction", "import", "flow.txt"});
+  (void)Fail(1, {"--no-transaction", "import", "flow.txt", "--force"});
   EXPECT_EQ(Rows("select FlowName from WorkFlowName"), nlohmann::json::parse(R"([{"FlowName":"flow"}])"));
 }
 
 TEST_F(DefinitionsTest, FlowsAreNamedByNumberOrName) {
   Write("leave.txt", Definition(kSteps));
-  (void)Succeed({"import", "leave.txt"});
-  (void)Succeed({"import", "leave.txt"});
-  (void)Succeed({"import", "leave.txt", "--name", "it's"});
+  (void)Load("leave.txt");
+  (void)Load("leave.txt");
+  (void)Load("leave.txt", {"--name", "it's"});
   EXPECT_EQ(Fail(1, {"show", "7"}), "talmflow: there is no flow 7\n");
   EXPECT_EQ(Fail(1, {"show", "trip"}), "talmflow: there is no flow named \"trip\"\n");
   EXPECT_EQ(Fail(1, {"export", "leave"}),
@@ -157,7 +157,7 @@ TEST_F(DefinitionsTest, FlowsAreNamedByNumberOrName) {
 
 TEST_F(DefinitionsTest, AFlowIsDrawnAsATree) {
   Write("leave.txt", Definition(kSteps, "Leave requests\nof all"));
-  (void)Succeed({"import", "leave.txt", "--creater", "kim"});
+  (void)Load("leave.txt", {"--creater", "kim"});
   EXPECT_EQ(Succeed({"show", "leave"}),
             "leave (flow 1) by kim\n"
             "Leave requests\n"
@@ -182,7 +182,7 @@ TEST_F(DefinitionsTest, AFlowIsDrawnAsATree) {
 
 TEST_F(DefinitionsTest, ACyclicTreeIsDrawnOnce) {
   Write("loop.txt", Definition({{1, 2, "C_73"}, {2, 1, "C_74"}}));
-  (void)Succeed({"import", "loop.txt"});
+  (void)Load("loop.txt");
   EXPECT_THAT(Succeed({"show", "loop"}), testing::MatchesRegex("loop.*1 .*C_73.*2 .*C_74.\n"));
 }
 
@@ -190,7 +190,7 @@ TEST_F(DefinitionsTest, ADeepChainIsDrawnInLinesOfBoundedLength) {
   std::vector<StepText> steps;
   for (int number = 1; number <= 2000; ++number) steps.push_back({number, number - 1, "C_73"});
   Write("deep.txt", Definition(steps));
-  (void)Succeed({"import", "deep.txt"});
+  (void)Load("deep.txt");
   const auto shown = Succeed({"show", "deep"});
   EXPECT_THAT(shown, HasSubstr("] "));
   EXPECT_THAT(shown, HasSubstr("└─ 2000 "));
@@ -199,13 +199,13 @@ TEST_F(DefinitionsTest, ADeepChainIsDrawnInLinesOfBoundedLength) {
 
 TEST_F(DefinitionsTest, AFlowWithoutStepsIsShown) {
   Write("empty.txt", Definition({}));
-  (void)Succeed({"import", "empty.txt"});
+  (void)Load("empty.txt");
   EXPECT_EQ(Succeed({"show", "empty"}), "empty (flow 1)\n\nIt has no steps.\n");
 }
 
 TEST_F(DefinitionsTest, ControlCharactersOfStoredTextsDoNotReachTheTerminal) {
   Write("evil.txt", Definition({{1, 0, "C_22", {"x", "a\x1b[31mb\nc"}, "\x7f"}}));
-  (void)Succeed({"import", "evil.txt"});
+  (void)Load("evil.txt");
   const auto shown = Succeed({"show", "evil"});
   EXPECT_THAT(shown, testing::Not(HasSubstr("\x1b")));
   EXPECT_THAT(shown, HasSubstr("a␛[31mb ↵ c"));
@@ -216,7 +216,7 @@ TEST_F(DefinitionsTest, AFlowIsShownAsJson) {
   text.insert(text.find("FlowEnd"),
               "FunctionParameterBegin\nInputTitle:Amount\nOrderNo:1\nSort:2\nClassContent:\nFunctionParameterEnd\n");
   Write("leave.txt", text);
-  (void)Succeed({"import", "leave.txt"});
+  (void)Load("leave.txt");
   auto shown = SucceedJson({"show", "1"});
   EXPECT_EQ(shown["name"], "leave");
   EXPECT_EQ(shown["remark"], "Leave");

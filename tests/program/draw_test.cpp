@@ -18,7 +18,7 @@ class DrawTest : public TalmflowTest {
 
   void Import(const std::string& name, const std::vector<StepText>& steps, const std::string& remark = {}) const {
     Write(name + ".txt", Definition(steps, remark));
-    (void)Succeed({"import", name + ".txt"});
+    (void)Load(name + ".txt");
   }
   void Run(const std::string& statement) const { EXPECT_TRUE(Rows(statement).is_null()); }
 };

@@ -18,7 +18,7 @@ class RunTest : public TalmflowTest {
 
   void Import(const std::string& name, const std::vector<StepText>& steps) const {
     Write(name + ".txt", Definition(steps));
-    (void)Succeed({"import", name + ".txt"});
+    (void)Load(name + ".txt");
   }
   std::string Start(const std::string& flow) const {
     return Succeed({"run", flow, "--record", "12/1", "--operator", "kim"});

@@ -37,6 +37,14 @@ class TalmflowTest : public testing::Test {
     return nlohmann::json::parse(Succeed(words));
   }
 
+  /// What it prints when it loads a definition, whatever is wrong with that.
+  std::string Load(const std::string& file, Words options = {}) const {
+    options.insert(options.begin(), {"import", file, "--force"});
+    const auto result = Talmflow(options);
+    EXPECT_EQ(result.status, 0) << result.err;
+    return result.out;
+  }
+
   /// What it complains about when it fails with a status and prints nothing.
   std::string Fail(int status, const Words& words, std::string_view input = {}) const {
     const auto result = Talmflow(words, input);
