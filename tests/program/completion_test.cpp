@@ -63,8 +63,8 @@ TEST_F(CompletionTest, AGlobalOptionsValueIsNoSubcommand) {
 TEST_F(CompletionTest, OptionsAreOffered) {
   EXPECT_THAT(Offered("--no"), ElementsAre("--no-transaction"));
   EXPECT_THAT(Offered("import --"), IsSupersetOf({"--name", "--flow", "--json", "--db", "--help"}));
-  EXPECT_THAT(Offered("import --"), Not(Contains("--reject")));
-  EXPECT_THAT(Offered("approve --rej"), ElementsAre("--reject"));
+  EXPECT_THAT(Offered("import --"), Not(Contains("--positive")));
+  EXPECT_THAT(Offered("approve --posi"), ElementsAre("--positive"));
 }
 
 TEST_F(CompletionTest, ValuesOfOptionsAreLeftToTheShell) { EXPECT_THAT(Offered("import --name ''"), IsEmpty()); }
