@@ -44,6 +44,7 @@ int Run(int argc, char** argv) {
   AddTransferSubcommands(app, subcommands);
   AddCatalogueSubcommands(app, subcommands);
   AddDrawSubcommands(app, subcommands);
+  AddDiffSubcommands(app, subcommands);
   AddRunSubcommands(app, subcommands);
   AddListSubcommands(app, subcommands);
   AddCheckSubcommands(app, subcommands);

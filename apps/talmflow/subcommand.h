@@ -66,6 +66,7 @@ void AddRecordSubcommands(CLI::App& parent, Subcommands& all);     // record add
 void AddTransferSubcommands(CLI::App& parent, Subcommands& all);   // import, export
 void AddCatalogueSubcommands(CLI::App& parent, Subcommands& all);  // flows, show
 void AddDrawSubcommands(CLI::App& parent, Subcommands& all);       // draw
+void AddDiffSubcommands(CLI::App& parent, Subcommands& all);       // diff
 void AddRunSubcommands(CLI::App& parent, Subcommands& all);        // run, approve, finish
 void AddListSubcommands(CLI::App& parent, Subcommands& all);       // tasks, instances, variables, timers
 void AddCheckSubcommands(CLI::App& parent, Subcommands& all);      // check

@@ -3,6 +3,7 @@
 
 #include "check.h"
 #include "definition_text.h"
+#include "difference.h"
 #include "json.h"
 #include "lookup.h"
 #include "talm_flow/conversion.h"
@@ -22,18 +23,21 @@ class Import : public Subcommand {
                    "talmflow import leave.txt --name \"Leave request\" --creater kim\n"
                    "talmflow import leave.txt --flow 3\n"
                    "\nLine ends may be LF or CR LF. A new flow is named like the file unless --name tells otherwise.\n"
-                   "What is wrong with the definition is told, and one that holds errors is refused without --force.") {
+                   "What is wrong with the definition is told, and one that holds errors is refused without --force.\n"
+                   "--dry-run tells how the flow would change, and writes nothing.") {
     app().add_option("FILE", file_, "The definition text, UTF-8; - for standard input")->required();
     app().add_option("--name", name_, "The flow's name");
     app().add_option("--flow", flow_, "The flow whose steps to replace, by number or name");
     app().add_option("--creater", creater_, "Who made the flow");
     app().add_flag("--force", force_, "Load the definition though it holds errors");
+    app().add_flag("--dry-run", dry_run_, "Write nothing, but tell what would change");
   }
 
   void Run(const GlobalOptions& options) override {
     Workspace workspace(options, Need::kComplete);
     const auto text = ReadDefinition(file_);
     const auto findings = Checked(workspace, text);
+    if (dry_run_) return TellChanges(options, workspace, text, findings);
     std::int64_t flow = 0;
     workspace.Together([&] { flow = flow_.empty() ? Add(workspace, text) : Replace(workspace, text); });
     const auto steps = NumberOf(
@@ -53,16 +57,41 @@ class Import : public Subcommand {
   }
 
  private:
-  /// What the checker finds. @throws UserError  errors, without --force.
+  /// What the checker finds. @throws UserError  errors, without --force; a dry run tells them last.
   [[nodiscard]] Findings Checked(Workspace& workspace, const std::string& text) const {
     const Value replaced = flow_.empty() ? Value() : Value(FlowOf(workspace, flow_));
     auto findings = CheckDefinition(workspace.database(), workspace.services(), text, replaced);
-    if (!HasErrors(findings) || force_) return findings;
+    if (!dry_run_) RequireFit(findings);
+    return findings;
+  }
+
+  void RequireFit(const Findings& findings) const {
+    if (!HasErrors(findings) || force_) return;
     throw UserError("the definition holds errors and was not loaded; --force loads it all the same\n" +
                     FindingsAsText(findings, Source()));
   }
 
   [[nodiscard]] std::string Source() const { return file_ == "-" ? "standard input" : file_; }
+
+  /// Ends like the import itself would for the findings, after the changes are told.
+  void TellChanges(const GlobalOptions& options, Workspace& workspace, const std::string& text,
+                   const Findings& findings) const {
+    // A new flow is compared with nothing.
+    const auto flow = flow_.empty() ? 0 : FlowOf(workspace, flow_);
+    const DefinitionSource before = StoredFlow{workspace.connection(), workspace.services(), flow};
+    const auto changes = CompareDefinitions(before, text);
+    const auto subject = flow == 0 ? std::string("a new flow") : FlowTitle(workspace, flow);
+    if (options.json) {
+      std::cout << Dump({{"changes", AsJson(changes)}, {"findings", FindingsAsJson(findings)}}, 2) << '\n';
+    } else if (changes.empty()) {
+      std::cout << "Nothing would change in " << subject << ".\n";
+    } else {
+      std::cout << "What would change in " << subject << ":\n" << Told(changes);
+    }
+    RequireFit(findings);
+    std::cout.flush();
+    if (!options.json && !findings.empty()) std::cerr << FindingsAsText(findings, Source()) << '\n';
+  }
 
   std::int64_t Add(Workspace& workspace, const std::string& text) const {
     if (name_.empty() && file_ == "-") throw UsageError("--name is needed when the text comes from standard input");
@@ -96,6 +125,7 @@ class Import : public Subcommand {
   std::string flow_;
   std::string creater_;
   bool force_ = false;
+  bool dry_run_ = false;
 };
 
 class Export : public Subcommand {

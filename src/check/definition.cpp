@@ -70,15 +70,17 @@ Definition ReadFlow(db::Session& session, std::int64_t flow_id, Report& report) 
   definition.flow = flow_id;
   std::unordered_map<std::int64_t, Step*> by_number;
   const auto steps = session.Open(
-      "Select FlowNo,ParentNo,Remark,Command From WorkFlowConstruction Where FlowID=", flow_id, " Order By ID");
+      "Select FlowNo,ParentNo,Serial,Remark,Command From WorkFlowConstruction Where FlowID=", flow_id, " Order By ID");
   for (; !steps->AtEnd(); steps->MoveNext()) {
     Step& step = definition.steps.emplace_back();
     step.number = WholeNumber(JoinedText(steps->Field("FlowNo")));
     step.parent = WholeNumber(JoinedText(steps->Field("ParentNo")));
+    step.serial = JoinedText(steps->Field("Serial"));
+    step.remark = JoinedText(steps->Field("Remark"));
     step.command = JoinedText(steps->Field("Command"));
     step.row = engine::FindCommand(commands::Commands(), step.command);
     if (step.number) by_number.emplace(*step.number, &step);
-    ReportIfNotCarried(JoinedText(steps->Field("Remark")), {.step = &step}, report);
+    ReportIfNotCarried(step.remark, {.step = &step}, report);
   }
   steps->Close();
   const auto parameters =
@@ -94,6 +96,18 @@ Definition ReadFlow(db::Session& session, std::int64_t flow_id, Report& report) 
     ReportIfNotCarried(parameter.data, {.step = found->second, .parameter = &parameter}, report);
   }
   return definition;
+}
+
+void ReadSurroundings(db::Session& session, std::int64_t flow_id, Definition& definition) {
+  const auto flow = session.Open("Select Remark From WorkFlowName Where FlowID=", flow_id);
+  definition.remark = flow->AtEnd() ? std::string() : JoinedText(flow->Field("Remark"));
+  flow->Close();
+  const auto inputs = session.Open(
+      "Select InputTitle,OrderNo,Sort,ClassContent From WorkFlowFunctionInput Where FlowID=", flow_id, " Order By ID");
+  for (; !inputs->AtEnd(); inputs->MoveNext()) {
+    definition.inputs.push_back({JoinedText(inputs->Field("InputTitle")), JoinedText(inputs->Field("OrderNo")),
+                                 JoinedText(inputs->Field("Sort")), JoinedText(inputs->Field("ClassContent"))});
+  }
 }
 
 }  // namespace talm_flow::check

@@ -1,6 +1,6 @@
 #pragma once
 
-/// A flow definition as the checks see it, from a database or from a text.
+/// A flow definition as the checks and the comparison see it, from a database or from a text.
 
 #include <cstddef>
 #include <cstdint>
@@ -26,6 +26,8 @@ struct Parameter {
 struct Step {
   std::optional<std::int64_t> number;  ///< nothing when it is no whole number
   std::optional<std::int64_t> parent;
+  std::string serial;
+  std::string remark;
   std::string command;
   const engine::CommandRow* row = nullptr;  ///< of the command; null for an unknown name
   std::size_t line = 0;
@@ -39,9 +41,18 @@ struct Step {
   [[nodiscard]] const Parameter* Find(int k) const;
 };
 
+struct InputParameter {
+  std::string title;
+  std::string order;
+  std::string sort;
+  std::string content;
+};
+
 struct Definition {
   std::optional<std::int64_t> flow;
-  std::deque<Step> steps;  ///< in the order in which the walk takes siblings; their addresses stay
+  std::optional<std::string> remark;  ///< of the flow; nothing for a text without one, which keeps the flow's own
+  std::deque<Step> steps;              ///< in the order in which the walk takes siblings; their addresses stay
+  std::vector<InputParameter> inputs;  ///< in stored order
 };
 
 /// A stored flow. Values that no definition text can carry are reported.
@@ -49,6 +60,9 @@ struct Definition {
 
 /// A definition text. What cannot be loaded, and what would be lost, is reported.
 [[nodiscard]] Definition ReadText(std::string_view text, Report& report);
+
+/// The flow's remark and input parameters, which the checks of a stored flow have no need of.
+void ReadSurroundings(db::Session& session, std::int64_t flow_id, Definition& definition);
 
 /// The whole number that a text or a column holds; nothing when there is none.
 [[nodiscard]] std::optional<std::int64_t> WholeNumber(std::string_view text);

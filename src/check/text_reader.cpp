@@ -59,6 +59,7 @@ class TextReader {
       : text_(text), lines_(text), definition_(definition), report_(report) {}
 
   void Remark(std::string_view remark) {
+    definition_.remark = remark;
     lost_block_ = false;
     CheckContinuation(remark, {});
   }
@@ -71,6 +72,8 @@ class TextReader {
     step.number = Number("FlowNo", values[design::kFlowNo], &step);
     step.parent = Number("ParentNo", values[design::kParentNo], &step);
     (void)Number("Serial", values[design::kSerial], &step);
+    step.serial = values[design::kSerial].value_or("0");
+    step.remark = values[design::kRemark].value_or("");
     step.command = values[design::kCommand].value_or("");
     step.command_line = values[design::kCommand] ? lines_.Of(*values[design::kCommand]) : step.line;
     step.row = engine::FindCommand(commands::Commands(), step.command);
@@ -95,6 +98,10 @@ class TextReader {
 
   void InputParameter(std::string_view, const Attributes<4>& read) {
     lost_block_ = false;
+    const auto& values = read.values;
+    definition_.inputs.push_back(
+        {std::string(values[design::kInputTitle].value_or("")), std::string(values[design::kOrderNo].value_or("0")),
+         std::string(values[design::kSort].value_or("0")), std::string(values[design::kClassContent].value_or(""))});
     (void)Number("OrderNo", read.values[design::kOrderNo], nullptr);
     (void)Number("Sort", read.values[design::kSort], nullptr);
     for (const auto& value : read.values) {
