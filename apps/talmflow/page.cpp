@@ -57,8 +57,8 @@ std::string ArraysScript(Workspace& workspace, std::int64_t flow) {
 std::string DrawingMarkup(Workspace& workspace, std::int64_t flow, bool editable) {
   const auto& common = workspace.services().common;
   MappedRows rows(workspace.connection(), [&](std::string_view column, Value stored) {
-    const bool is_bare = stored.IsText() && EqualIgnoringAsciiCase(column, "Command");
-    return is_bare ? Value(common.DisplayText(stored)) : stored;
+    if (stored.IsText() && EqualIgnoringAsciiCase(column, "Command")) stored = common.DisplayText(stored);
+    return stored;
   });
   return WellFormed(Construction(workspace.services()).DisplayFlow(rows, flow, editable ? 1 : 0, Value(kStepForm)));
 }

@@ -261,6 +261,12 @@ TEST_F(PictureTest, AChildFlowThatWaitsMarksTheStepThatStartedIt) {
   EXPECT_EQ(Fail(1, {"draw", "child", "--svg", "--instance", "9"}), "talmflow: there is no instance 9\n");
 }
 
+TEST_F(PictureTest, ThePictureInTheDocumentsIsTheProgramsOwn) {
+  const std::string root = TALM_FLOW_SOURCE_DIR;
+  (void)Succeed({"import", root + "/examples/flows/leave_request.flow", "--name", "Leave request"});
+  EXPECT_EQ(Picture("Leave request"), ReadFile(root + "/docs/leave_request.svg"));
+}
+
 TEST_F(PictureTest, DeepAndWideTreesAreDrawn) {
   constexpr int kMany = 5000;
   std::vector<StepText> deep;
