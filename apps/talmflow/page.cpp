@@ -19,10 +19,6 @@
 namespace talm_flow::program {
 namespace {
 
-constexpr int kCommands = 98;
-
-std::string CommandName(int number) { return "C_" + std::to_string(number); }
-
 /// What a field shows to the script arrays. The arrays make free texts safe themselves; names and numbers go in bare.
 Value ForScript(const host::CommonFunctions& common, std::string_view column, Value stored) {
   if (EqualIgnoringAsciiCase(column, "Sort")) {
@@ -63,15 +59,22 @@ std::string DrawingMarkup(Workspace& workspace, std::int64_t flow, bool editable
   return WellFormed(Construction(workspace.services()).DisplayFlow(rows, flow, editable ? 1 : 0, Value(kStepForm)));
 }
 
+/// How a parameter is taken and what fits, in one line.
+std::string Hint(const ParameterDescription& parameter) {
+  std::string hint(ToldTaken(parameter.taken));
+  if (!parameter.note.empty()) hint += "; " + std::string(parameter.note);
+  return hint;
+}
+
 Json CommandsAsJson() {
   Json commands = Json::object();
-  for (int number = 1; number <= kCommands; ++number) {
-    const auto command = DescribeCommand(CommandName(number));
-    if (!command) continue;
+  for (const auto& command : DescribeCommands()) {
     Json parameters = Json::array();
-    for (const auto& parameter : command->parameters) parameters.push_back({parameter.title, parameter.note});
-    commands[CommandName(number)] = {
-        {"title", command->title}, {"summary", command->summary}, {"parameters", std::move(parameters)}};
+    for (const auto& parameter : command.parameters) {
+      parameters.push_back({parameter.title, Hint(parameter), parameter.example});
+    }
+    commands[std::string(command.name)] = {
+        {"title", command.title}, {"summary", command.summary}, {"parameters", std::move(parameters)}};
   }
   return commands;
 }
@@ -83,10 +86,10 @@ std::vector<std::string> ParameterFields(const std::vector<PageStep>& steps) {
   const auto add = [&](const std::string& name) {
     if (known.insert(name).second) fields.push_back(name);
   };
-  for (int number = 1; number <= kCommands; ++number) {
-    const auto command = DescribeCommand(CommandName(number));
-    const auto count = command ? command->parameters.size() : 0;
-    for (std::size_t k = 1; k <= count; ++k) add(CommandName(number) + "_" + std::to_string(k));
+  for (const auto& command : DescribeCommands()) {
+    for (std::size_t k = 1; k <= command.parameters.size(); ++k) {
+      add(std::string(command.name) + "_" + std::to_string(k));
+    }
   }
   for (const auto& step : steps) {
     if (!FitsForm(step)) continue;

@@ -96,10 +96,10 @@ function opendiv() {
 function parameterEditors(command, known) {
   const shown = new Set();
   const result = [];
-  (known ? known.parameters : []).forEach(([title, note], index) => {
+  (known ? known.parameters : []).forEach(([title, note, example], index) => {
     const name = `${command}_${index + 1}`;
     shown.add(name);
-    result.push(editor(name, title, note));
+    result.push(editor(name, title, note, example));
   });
   for (const field of form.querySelectorAll("input[type=hidden]")) {
     const stranger = field.name.startsWith("C_") && !shown.has(field.name) && field.value !== "";
@@ -110,7 +110,7 @@ function parameterEditors(command, known) {
 
 // What people type into. The field itself is hidden, because only a hidden field keeps every character: a visible one
 // would change line ends.
-function editor(name, title, note) {
+function editor(name, title, note, example = "") {
   const field = form.elements.namedItem(name);
   const label = document.createElement("label");
   const caption = document.createElement("span");
@@ -123,6 +123,7 @@ function editor(name, title, note) {
   area.value = field.value;
   area.rows = Math.min(8, Math.max(1, area.value.split("\n").length));
   area.dataset.field = name;
+  area.placeholder = example === "" ? "" : `such as ${example}`;
   area.spellcheck = false;
   area.addEventListener("input", () => {
     field.value = area.value.replaceAll("\n", "\r\n");
