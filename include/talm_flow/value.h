@@ -25,11 +25,11 @@ class Value {
   Value() noexcept = default;
   Value(std::nullptr_t) noexcept {}
   template <typename T>
-    requires std::same_as<T, bool>
-  Value(T boolean) noexcept : held_(boolean) {}
+  requires std::same_as<T, bool> Value(T boolean)
+  noexcept : held_(boolean) {}
   template <typename T>
-    requires(std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>)
-  Value(T whole) noexcept : held_(static_cast<std::int64_t>(whole)) {}
+  requires(std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>) Value(T whole)
+  noexcept : held_(static_cast<std::int64_t>(whole)) {}
   Value(double number) noexcept : held_(number) {}
   Value(std::string text) noexcept : held_(std::move(text)) {}
   Value(std::string_view text) : held_(std::string(text)) {}

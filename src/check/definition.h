@@ -50,7 +50,7 @@ struct InputParameter {
 
 struct Definition {
   std::optional<std::int64_t> flow;
-  std::optional<std::string> remark;  ///< of the flow; nothing for a text without one, which keeps the flow's own
+  std::optional<std::string> remark;   ///< of the flow; nothing for a text without one, which keeps the flow's own
   std::deque<Step> steps;              ///< in the order in which the walk takes siblings; their addresses stay
   std::vector<InputParameter> inputs;  ///< in stored order
 };

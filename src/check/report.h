@@ -78,7 +78,7 @@ struct Place {
   const Step* step = nullptr;
   const Parameter* parameter = nullptr;
   std::string parameter_name{};  ///< of a parameter that is not there
-  std::size_t line = 0;        ///< 0: the parameter's, or else the step's
+  std::size_t line = 0;          ///< 0: the parameter's, or else the step's
 };
 
 class Report {

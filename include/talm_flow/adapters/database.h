@@ -37,7 +37,8 @@ class Database : public Connection, public host::Transaction {
   /// Creates the form table "TableData" + `table_id`, registered in `TableName` with its input units, unless it exists.
   /// @param units  code and type of each input unit, in order.
   /// @throws ArgumentError  an input unit's code is no valid column name, or appears twice.
-  virtual void CreateFormTable(std::int32_t table_id, const std::vector<std::pair<std::string, std::string>>& units) = 0;
+  virtual void CreateFormTable(std::int32_t table_id,
+                               const std::vector<std::pair<std::string, std::string>>& units) = 0;
 };
 
 /// Opens the database that the URL names.
