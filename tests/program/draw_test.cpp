@@ -102,7 +102,7 @@ TEST_F(DrawTest, AStepWithAParameterThatNoFieldCanHoldIsNotAdmitted) {
   Import("leave", kSteps);
   Run("Insert Into WorkFlowParameter (FlowID,FlowNo,ParameterName,ParameterData) Values (1,2,'x.y','1')");
   const auto page = Succeed({"draw", "leave", "--editable"});
-  EXPECT_THAT(page, HasSubstr("name is none: 2</p>"));
+  EXPECT_THAT(page, HasSubstr("parameter's name is none: 2</p>"));
   EXPECT_EQ(Count(Policy(page), "'sha256-"), 4U);
 }
 
