@@ -35,6 +35,15 @@ std::string MachineName(std::string_view file_name) {
   return std::string(file_name);
 }
 
+// Whether nobody may write the file. The machine lets it be deleted all the same, but then it was hardly meant to go.
+bool IsProtected(const std::string& machine_name) {
+  using std::filesystem::perms;
+  std::error_code error;
+  const auto status = std::filesystem::symlink_status(machine_name, error);
+  return std::filesystem::exists(status) &&
+         (status.permissions() & (perms::owner_write | perms::group_write | perms::others_write)) == perms::none;
+}
+
 std::string_view EncodingName(TextEncoding encoding) { return encoding == TextEncoding::kUtf8 ? "UTF-8" : "GB18030"; }
 
 std::string HexText(std::string_view prefix, unsigned number, std::size_t width) {
@@ -108,11 +117,14 @@ bool ReferenceFileSystem::FileExists(std::string_view file_name) {
   std::error_code error;
   const auto status = std::filesystem::status(MachineName(file_name), error);
   if (status.type() == std::filesystem::file_type::none) Fail(file_name, error.message());
-  return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+  // A device or a pipe is no file to be replaced: deleting it would take it from the machine.
+  return std::filesystem::is_regular_file(status);
 }
 
 void ReferenceFileSystem::DeleteFile(std::string_view file_name) {
-  if (::unlink(MachineName(file_name).c_str()) != 0) FailWithErrno(file_name, errno);
+  const std::string name = MachineName(file_name);
+  if (IsProtected(name)) Fail(file_name, "it is protected against writing");
+  if (::unlink(name.c_str()) != 0) FailWithErrno(file_name, errno);
 }
 
 std::unique_ptr<TextStream> ReferenceFileSystem::CreateTextFile(std::string_view file_name) {

@@ -118,6 +118,12 @@ TEST_F(FileSystemTest, KnowsWhichFilesThereAre) {
   EXPECT_FALSE(files().FileExists(testing::TempDir())) << "a folder is no file";
 }
 
+TEST_F(FileSystemTest, TakesNoDeviceForAFile) {
+  EXPECT_FALSE(files().FileExists("/dev/null"));
+  std::filesystem::create_symlink("/dev/null", Path("link.txt"));
+  EXPECT_FALSE(files().FileExists(Path("link.txt")));
+}
+
 TEST_F(FileSystemTest, DeletesAFile) {
   Put(Path("a.txt"), "x");
   files().DeleteFile(Path("a.txt"));
@@ -130,6 +136,23 @@ TEST_F(FileSystemTest, DeletesNeitherAFolderNorWhatIsNotThere) {
   EXPECT_TRUE(std::filesystem::exists(Path("folder")));
   EXPECT_THAT(MessageOf([&] { files().DeleteFile(Path("a.txt")); }),
               AllOf(HasSubstr(Path("a.txt")), HasSubstr("No such file")));
+}
+
+TEST_F(FileSystemTest, KeepsAFileThatNobodyMayWrite) {
+  Put(Path("a.txt"), "x");
+  std::filesystem::permissions(Path("a.txt"), std::filesystem::perms::owner_read);
+  EXPECT_THAT(MessageOf([&] { files().DeleteFile(Path("a.txt")); }),
+              AllOf(HasSubstr(Path("a.txt")), HasSubstr("protected against writing")));
+  EXPECT_EQ(Bytes(Path("a.txt")), "x");
+}
+
+TEST_F(FileSystemTest, DeletesALinkAndKeepsTheProtectedFileThatItNames) {
+  Put(Path("a.txt"), "x");
+  std::filesystem::permissions(Path("a.txt"), std::filesystem::perms::owner_read);
+  std::filesystem::create_symlink(Path("a.txt"), Path("link.txt"));
+  files().DeleteFile(Path("link.txt"));
+  EXPECT_FALSE(std::filesystem::exists(Path("link.txt")));
+  EXPECT_EQ(Bytes(Path("a.txt")), "x");
 }
 
 TEST_F(FileSystemTest, NamesTheFileThatCannotBeCreatedAndWhy) {
