@@ -17,6 +17,10 @@
 
 namespace talm_flow {
 
+/// The integer types that hold numbers, not truth values or characters.
+template <typename T>
+concept WholeNumber = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
+
 class Value {
  public:
   /// In the order of the alternatives held.
@@ -24,12 +28,10 @@ class Value {
 
   Value() noexcept = default;
   Value(std::nullptr_t) noexcept {}
-  template <typename T>
-  requires std::same_as<T, bool> Value(T boolean)
-  noexcept : held_(boolean) {}
-  template <typename T>
-  requires(std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>) Value(T whole)
-  noexcept : held_(static_cast<std::int64_t>(whole)) {}
+  template <std::same_as<bool> T>
+  Value(T boolean) noexcept : held_(boolean) {}
+  template <WholeNumber T>
+  Value(T whole) noexcept : held_(static_cast<std::int64_t>(whole)) {}
   Value(double number) noexcept : held_(number) {}
   Value(std::string text) noexcept : held_(std::move(text)) {}
   Value(std::string_view text) : held_(std::string(text)) {}
