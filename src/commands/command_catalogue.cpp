@@ -111,7 +111,6 @@ std::string_view ToldEffect(const CommandDescription& command) {
 std::string_view ToldTaken(ParameterTaken taken) {
   switch (taken) {
     case ParameterTaken::kAsStored:
-      return "as stored";
     case ParameterTaken::kVariable:
       return "as stored";
     case ParameterTaken::kStoredOrEvaluated:
