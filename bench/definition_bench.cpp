@@ -1,4 +1,4 @@
-/// Definitions by size: import from a text, export into one, and the structure queries that walk the tree.
+/// Definitions by size: import from a text, export into one, drawing, and the structure queries that walk the tree.
 /// "each" is the time a step: it is to stay the same.
 
 #include <benchmark/benchmark.h>
@@ -44,6 +44,7 @@ class Design {
     });
   }
   [[nodiscard]] std::string Export() { return in_out_.MakeConstructionBak(office_.database(), kFlow); }
+  [[nodiscard]] std::string Draw() { return construction_.DisplayFlow(office_.database(), kFlow, 1, "form1"); }
   [[nodiscard]] std::string Below() { return construction_.GetChildFlowNo(office_.database(), kFlow, 1); }
   [[nodiscard]] int Height() { return construction_.GetMaxStepQty(office_.database(), kFlow, 1); }
 
@@ -75,6 +76,15 @@ void Export(benchmark::State& state) {
                          benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(Export)->Arg(1000)->Arg(10000)->Arg(30000)->Unit(benchmark::kMillisecond);
+
+/// Small drawings, and those without links, are in drawing_bench.cpp.
+void Draw(benchmark::State& state, Shape shape) {
+  Design design(state.range(0), shape);
+  for (auto _ : state) benchmark::DoNotOptimize(design.Draw());
+  CountSteps(state);
+}
+BENCHMARK_CAPTURE(Draw, bush, Shape::kBush)->Arg(1000)->Arg(10000)->Arg(30000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Draw, chain, Shape::kChain)->Arg(1000)->Arg(10000)->Arg(30000)->Unit(benchmark::kMillisecond);
 
 void StepsBelow(benchmark::State& state) {
   Design design(state.range(0), Shape::kChain);

@@ -109,6 +109,26 @@ void Waiting(benchmark::State& state) {
 }
 BENCHMARK(Waiting)->Arg(10)->Arg(1000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
+/// One MiB each, copied from one record to another.
+void CopiedFiles(benchmark::State& state) {
+  Office office("sqlite::memory:");
+  office.database().CreateFormTable(14, {{"Doc", "UpLoadFile"}});
+  office.Run("Insert Into TableData14 (ID) Values (1)");
+  office.Run("Insert Into TableData14 (ID) Values (2)");
+  for (std::int64_t file = 0; file < state.range(0); ++file) {
+    office.Run(
+        "Insert Into TableFile (TableID,DataID,InUnitID,FileName,FileContent) "
+        "Values (14,1,'Doc','file',zeroblob(1048576))");
+  }
+  office.Step(kFlow, 1, 0, "C_76");
+  office.Parameter(kFlow, 1, "C_76_1", "\"TableID:14,DataID:1\"");
+  office.Parameter(kFlow, 1, "C_76_2", "\"TableID:14,DataID:2\"");
+  Measure(state, "CopiedFiles", [&] { office.Start(office.database(), kFlow); });
+  const auto copies = office.database().Open("select count(*) as n from TableFile where DataID=2");
+  state.counters["copies"] = static_cast<double>(copies->Field("n").Whole());
+}
+BENCHMARK(CopiedFiles)->Arg(1)->Arg(10)->Arg(100)->Iterations(1)->Unit(benchmark::kMillisecond);
+
 /// All children of a step are pending at once: this grows, by one entry a child.
 void PendingChildren(benchmark::State& state) {
   Office office("sqlite::memory:");
