@@ -1,6 +1,8 @@
 /// The commands that steer the walk: the condition, timers, the jump, child flows.
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -41,16 +43,17 @@ std::int32_t Count(const Step& step, int k) {
   return std::abs(number);
 }
 
-/// The piece of a "|^|"-separated list at a 1-based position; empty when the list has no such piece.
+/// The piece of a "|^|"-separated list at a 1-based position; empty when the list has no such piece. The pieces are
+/// counted in 16 bits, so that a search that goes on past the last number overflows.
 std::string_view PieceAt(std::string_view list, double position) {
-  constexpr std::string_view kSeparator = "|^|";
-  const auto pieces = Split(list, kSeparator);
+  constexpr std::size_t kLastCount = std::numeric_limits<std::int16_t>::max();
+  const auto pieces = Split(list, "|^|");
   const double whole = std::trunc(position);
-  if (whole < 1 || whole > static_cast<double>(pieces.size())) return {};
-  if (whole > std::numeric_limits<std::int16_t>::max()) {
-    throw OverflowError("position " + NumberText(whole) + " of a list of variable names does not fit in 16 bits");
+  if (whole >= 1 && whole <= static_cast<double>(std::min(pieces.size(), kLastCount))) {
+    return pieces[static_cast<std::size_t>(whole) - 1];
   }
-  return pieces[static_cast<std::size_t>(whole) - 1];
+  if (pieces.size() > kLastCount) throw OverflowError("a list has more variable names than 16 bits can count");
+  return {};
 }
 
 }  // namespace

@@ -356,6 +356,43 @@ INSTANTIATE_TEST_SUITE_P(Positions, HandBackTest,
                                          HandBackCase{"a|^|b", "1e300", "|1+2"}, HandBackCase{"a|^|b", "x", ""},
                                          HandBackCase{"a|^|b", "", ""}, HandBackCase{"", "1", ""}));
 
+class LongHandBackTest : public FlowControlTest {
+ protected:
+  /// Hands a value back to a list of empty names with one name, "last", at its end.
+  void HandBack(std::size_t pieces, const char* position) {
+    std::string names;
+    for (std::size_t i = 1; i < pieces; ++i) names += "|^|";
+    world_.Run("delete from WorkFlowVariable");
+    world_.Run("delete from WorkFlowParameter");
+    world_.Run("delete from WorkFlowExecuteID");
+    world_.Run("delete from WorkFlowChildRec");
+    world_.Run("Insert Into WorkFlowExecuteID (ExecuteID,FlowID,RootExecuteID) Values (1,8,1)");
+    world_.Run("Insert Into WorkFlowChildRec (ParentExecuteID,ParentFlowNo,ChildExecuteID) Values (1,3,901)");
+    world_.Parameter(8, 3, "C_18_3", names + "last");
+    world_.Parameter(7, 1, "C_70_1", position);
+    world_.Parameter(7, 1, "C_70_2", "v");
+    auto context = Context();
+    command_.C_70(context);
+  }
+  std::string Written() { return world_.Row("select VariableName, VariableValue from WorkFlowVariable"); }
+};
+
+TEST_F(LongHandBackTest, CountsAsManyNamesAsSixteenBitsHold) {
+  HandBack(32767, "32767");
+  EXPECT_EQ(Written(), "last|v");
+  HandBack(32767, "32768");
+  EXPECT_EQ(Written(), "|v");
+  HandBack(32768, "5");
+  EXPECT_EQ(Written(), "|v");
+}
+
+TEST_F(LongHandBackTest, CountingPastSixteenBitsOverflowsWhateverPositionIsSought) {
+  for (const char* position : {"32768", "50000", "0", "-1"}) {
+    EXPECT_THROW(HandBack(32768, position), OverflowError) << position;
+    EXPECT_EQ(Written(), "") << position;
+  }
+}
+
 TEST_F(FlowControlTest, HandingBackReadsLinkParentListAndParametersInOrder) {
   world_.Run("Insert Into WorkFlowExecuteID (FlowID,RootExecuteID) Values (8,1)");
   world_.Run("Insert Into WorkFlowChildRec (ParentExecuteID,ParentFlowNo,ChildExecuteID) Values (1,3,901)");
