@@ -162,9 +162,8 @@ class Page {
       numbers += (numbers.empty() ? "" : ", ") + Shown(step.number);
     }
     if (numbers.empty()) return;
-    out_ +=
-        "<div class=\"notice\" role=\"note\"><p>These steps cannot be opened, because they hold a parameter whose " +
-        std::string("name is none: ") + numbers + "</p></div>\n";
+    out_ += "<div class=\"notice\" role=\"note\"><p>These steps cannot be opened, because a number of theirs or a ";
+    out_ += "parameter's name is none: " + numbers + "</p></div>\n";
   }
 
   void WritePanel() {
