@@ -15,9 +15,9 @@ namespace {
 constexpr Dialect kDialect = {.identity = "last_insert_rowid()"};
 constexpr std::size_t kMostIdleHandles = 8;
 /// Longer shapes and longer texts with literals in them are seldom seen twice.
-constexpr std::size_t kLongestKept = 16 * 1024;
+constexpr std::size_t kLongestKept = std::size_t{16} * 1024;
 /// A handle whose text was longer gives the memory back.
-constexpr std::size_t kLargestIdleText = 64 * 1024;
+constexpr std::size_t kLargestIdleText = std::size_t{64} * 1024;
 
 }  // namespace
 
