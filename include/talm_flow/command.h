@@ -79,7 +79,7 @@ class Command {
   /// group and for an unknown one.
   [[nodiscard]] bool NotAppExists(Connection& ConnDB, const Value& DataAppID);
 
-  /// The notice information of a task; the empty text for an unknown task. @throws ConversionError  it is Null.
+  /// The notice information of a task; the empty text for an unknown task and where it is Null.
   [[nodiscard]] std::string GetNoticInfFromDataApp(Connection& ConnDB, const Value& DataAppID);
   [[nodiscard]] std::string GetNoticInfFromInUnitSub(Connection& ConnDB, const Value& InUnitSubID);
   [[nodiscard]] std::string GetNoticInfFromDataAtt(Connection& ConnDB, const Value& DataAttID);

@@ -1,5 +1,6 @@
 #include "engine/tasks.h"
 
+#include <optional>
 #include <string_view>
 #include <unordered_set>
 
@@ -35,6 +36,11 @@ std::int32_t NearestAbove(db::Session& session, const Value& flow_id, const Valu
   }
 }
 
+constexpr std::string_view kInformation = "NoticInf";
+
+/// A task that the host made may have none.
+std::string Information(const std::optional<Value>& field) { return field ? JoinedText(*field) : std::string(); }
+
 }  // namespace
 
 std::int32_t GetFlowNoApprov(db::Session& session, const Value& flow_id, const Value& flow_no) {
@@ -66,15 +72,18 @@ bool NotAppExists(db::Session& session, const Value& data_app_id) {
 }
 
 std::string GetNoticInfFromDataApp(db::Session& session, const Value& data_app_id) {
-  return session.FirstText("NoticInf", "Select Top 1 NoticInf From DataApp Where DataAppID=", data_app_id);
+  return Information(
+      session.FirstField(kInformation, "Select Top 1 NoticInf From DataApp Where DataAppID=", data_app_id));
 }
 
 std::string GetNoticInfFromInUnitSub(db::Session& session, const Value& in_unit_sub_id) {
-  return session.FirstText("NoticInf", "Select Top 1 NoticInf From InUnitSub Where ID=", in_unit_sub_id);
+  return Information(
+      session.FirstField(kInformation, "Select Top 1 NoticInf From InUnitSub Where ID=", in_unit_sub_id));
 }
 
 std::string GetNoticInfFromDataAtt(db::Session& session, const Value& data_att_id) {
-  return session.FirstText("NoticInf", "Select Top 1 NoticInf From DataAtt Where DataAttID=", data_att_id);
+  return Information(
+      session.FirstField(kInformation, "Select Top 1 NoticInf From DataAtt Where DataAttID=", data_att_id));
 }
 
 }  // namespace talm_flow::engine
