@@ -128,8 +128,9 @@ void SqliteDatabase::CreateFormTable(std::int32_t table_id,
       (void)Execute("insert into TableName (TableID) values (" + number + ")");
     }
     for (const auto& [code, type] : units) {
-      (void)Execute("insert into TableInUnitConstruction (TableID,InUnitID,InUnitType) values (" + number + ",'" +
-                    code + "','" + ReplaceAll(type, "'", "''") + "')");
+      std::string insert = "insert into TableInUnitConstruction (TableID,InUnitID,InUnitType) values (";
+      insert.append(number).append(",'").append(code).append("','").append(ReplaceAll(type, "'", "''")).append("')");
+      (void)Execute(insert);
     }
   });
 }

@@ -5,13 +5,14 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "commands/handlers.h"
 
 namespace talm_flow::commands {
 
 /// What a value becomes; nothing when it does not fit, and then nothing is written.
-using Computation = std::optional<std::string> (*)(const Step& step, std::string value);
+using Computation = std::optional<std::string> (*)(const Step& step, std::string_view value);
 
 inline Outcome WriteComputed(Step& step, Computation compute) {
   const std::string target = step.Stored(1);

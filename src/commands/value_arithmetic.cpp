@@ -13,13 +13,13 @@ namespace talm_flow::commands {
 
 namespace {
 
-std::optional<std::string> Magnitude(const Step&, std::string value) {
+std::optional<std::string> Magnitude(const Step&, std::string_view value) {
   const auto number = ParseNumber(value);
   if (!number) return std::nullopt;
   return NumberText(std::fabs(*number));
 }
 
-std::optional<std::string> Rounded(const Step&, std::string value) {
+std::optional<std::string> Rounded(const Step&, std::string_view value) {
   const auto number = ParseNumber(value);
   if (!number) return std::nullopt;
   return NumberText(RoundHalfEven(*number));

@@ -19,11 +19,11 @@ Outcome AssignAsStored(Step& step) {
   return Outcome::Done();
 }
 
-std::optional<std::string> Itself(const Step&, std::string value) { return value; }
+std::optional<std::string> Itself(const Step&, std::string_view value) { return std::string(value); }
 
-std::optional<std::string> IfNumeric(const Step&, std::string value) {
-  if (!IsNumeric(std::string_view(value))) return std::nullopt;
-  return value;
+std::optional<std::string> IfNumeric(const Step&, std::string_view value) {
+  if (!IsNumeric(value)) return std::nullopt;
+  return std::string(value);
 }
 
 Outcome AssignArgument(Step& step, const Value& argument) {

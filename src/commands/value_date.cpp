@@ -12,7 +12,7 @@ namespace talm_flow::commands {
 
 namespace {
 
-std::optional<std::string> InGeneralForm(const Step&, std::string value) {
+std::optional<std::string> InGeneralForm(const Step&, std::string_view value) {
   const auto moment = ParseDate(value);
   if (!moment) return std::nullopt;
   return GeneralDateText(*moment);

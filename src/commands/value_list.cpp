@@ -16,11 +16,11 @@ namespace talm_flow::commands {
 
 namespace {
 
-std::optional<std::string> UserNames(const Step& step, std::string value) {
+std::optional<std::string> UserNames(const Step& step, std::string_view value) {
   return step.host().user_lists.UserNames(step.connection(), value);
 }
 
-std::optional<std::string> ItemCount(const Step&, std::string value) {
+std::optional<std::string> ItemCount(const Step&, std::string_view value) {
   return std::to_string(Split(value, ",").size());
 }
 

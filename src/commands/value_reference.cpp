@@ -86,17 +86,17 @@ Outcome WriteRecord(Step& step, std::optional<db::RecordReference> (*read)(const
   return Outcome::Done();
 }
 
-std::optional<std::string> InputUnit(const Step& step, std::string value) {
+std::optional<std::string> InputUnit(const Step& step, std::string_view value) {
   return db::SeparateInUnitID(value, step.host().common);
 }
 
-std::optional<std::string> File(const Step&, std::string value) {
+std::optional<std::string> File(const Step&, std::string_view value) {
   const auto file_id = db::SeparateFileID(value);
   if (!file_id) return std::nullopt;
   return NumberedText("fileid:", *file_id);
 }
 
-std::optional<std::string> Picture(const Step&, std::string value) {
+std::optional<std::string> Picture(const Step&, std::string_view value) {
   const auto picture_id = db::SeparateTablePicDataID(value);
   if (!picture_id) return std::nullopt;
   return NumberedText("tablepicdataid:", *picture_id);
