@@ -23,6 +23,8 @@ bool FitsIn32Bits(double number) {
   return std::fabs(RoundHalfEven(number)) <= std::numeric_limits<std::int32_t>::max();
 }
 
+bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
 /// The table number of a record reference may be one that raises an error when the reference is taken apart.
 bool HasHugeTable(std::string_view text) {
   for (const std::string_view part : Split(text, ",")) {
@@ -224,11 +226,10 @@ class ParameterCheck {
                       " is no name that an expression can read: it is a number, a quoted text, a special name, or "
                       "holds an operator.",
                   "Name the variable with letters, digits and \"_\", without quotes.");
-    } else if (constexpr std::string_view kSpace = " \t\r\n"; kSpace.find(name.front()) != std::string_view::npos ||
-                                                              kSpace.find(name.back()) != std::string_view::npos) {
+    } else if (IsSpace(name.front()) || IsSpace(name.back()) || name.find('\n') != std::string_view::npos) {
       report_.Add(Code::kBlankInVariable, place,
-                  "The blanks at the ends of " + Shown(name) + " belong to the variable's name.",
-                  "Remove the blanks and line breaks around the name.");
+                  "The blanks or line breaks in " + Shown(name) + " belong to the variable's name.",
+                  "Remove the blanks and line breaks.");
     }
   }
 

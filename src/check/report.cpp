@@ -43,7 +43,7 @@ constexpr Row kRows[] = {
     {Code::kBadSign, {"E207", "No comparison, or no operator"}},
     {Code::kBadFlag, {"E208", "Flag that is neither 1 nor 0"}},
     {Code::kBadVariable, {"E209", "Name that no expression can read"}},
-    {Code::kBlankInVariable, {"W210", "Variable's name with blanks at its ends"}},
+    {Code::kBlankInVariable, {"W210", "Variable's name with blanks or line breaks"}},
     {Code::kBadReference, {"E211", "No reference"}},
     {Code::kBadNumericValue, {"E212", "No number that fits"}},
     {Code::kBadDate, {"E213", "No date"}},

@@ -23,9 +23,9 @@ constexpr std::string_view kSpace = " \t\r\n";
 
 bool IsBlank(std::string_view text) { return text.find_first_not_of(kSpace) == std::string_view::npos; }
 
-/// Whether a line begins "C_" n "_" k ":" in digits, as no parameter name that is known.
+/// Whether a line begins "C_" n "_" k ":" in digits; behind the first line of a value it is no name that is known.
 bool LooksLikeParameter(std::string_view line) {
-  if (!line.starts_with("C_")) return false;
+  if (!line.starts_with("C_") && !line.starts_with("c_")) return false;
   constexpr std::string_view kDigits = "0123456789";
   const std::size_t middle = line.find_first_not_of(kDigits, 2);
   if (middle == 2 || middle == std::string_view::npos || line[middle] != '_') return false;
