@@ -4,13 +4,13 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "commands/handlers.h"
+#include "commands/inputs.h"
 #include "design/catalogue.h"
 #include "design/structure.h"
 #include "engine/instance.h"
@@ -29,18 +29,6 @@ std::optional<std::int32_t> TargetStep(const Step& step, int k) {
   const std::int32_t target = ToInt32(Value(text));
   if (!design::FlowNoExists(step.session(), step.call().FlowID, target)) return std::nullopt;
   return target;
-}
-
-/// Parameter k as a count: as stored when it is a number, else evaluated, else 0; without its sign.
-std::int32_t Count(const Step& step, int k) {
-  std::string text = step.Stored(k);
-  if (!IsNumeric(text)) text = step.Evaluate(text);
-  if (!IsNumeric(text)) return 0;
-  const std::int32_t number = ToInt32(Value(text));
-  if (number == std::numeric_limits<std::int32_t>::min()) {
-    throw OverflowError("the absolute value of " + text + " does not fit in 32 bits");
-  }
-  return std::abs(number);
 }
 
 /// The piece of a "|^|"-separated list at a 1-based position; empty when the list has no such piece. The pieces are

@@ -1,5 +1,11 @@
 #include "commands/inputs.h"
 
+#include <cstdlib>
+#include <limits>
+
+#include "talm_flow/conversion.h"
+#include "talm_flow/error.h"
+
 namespace talm_flow::commands {
 
 using engine::Step;
@@ -34,6 +40,17 @@ bool Flag(const Step& step, int k) {
   const std::string stored = step.Stored(k);
   if (stored == "1" || stored == "0") return stored == "1";
   return step.Evaluate(stored) == "1";
+}
+
+std::int32_t Count(const Step& step, int k) {
+  const std::string stored = step.Stored(k);
+  auto number = ParseNumber(stored);
+  if (!number) number = ParseNumber(step.Evaluate(stored));
+  const std::int32_t count = ToInt32(number.value_or(0));
+  if (count == std::numeric_limits<std::int32_t>::min()) {
+    throw OverflowError("the absolute value of " + std::to_string(count) + " does not fit in 32 bits");
+  }
+  return std::abs(count);
 }
 
 std::string EvaluatedOrStored(const Step& step, int k) {

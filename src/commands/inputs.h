@@ -43,6 +43,10 @@ inline constexpr std::string_view kSystemUser = "系统";
 /// Parameter k as a flag: "1" or "0" as stored, else by its value; everything but "1" is no.
 [[nodiscard]] bool Flag(const engine::Step& step, int k);
 
+/// Parameter k as a whole number without its sign: as stored when it is numeric, else by its value; 0 when that is not
+/// numeric either. @throws OverflowError  it does not fit in 32 bits.
+[[nodiscard]] std::int32_t Count(const engine::Step& step, int k);
+
 /// The value of parameter k; the stored text itself when the value is empty.
 [[nodiscard]] std::string EvaluatedOrStored(const engine::Step& step, int k);
 

@@ -3,8 +3,6 @@
 #include "engine/tasks.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,7 +10,6 @@
 #include "commands/handlers.h"
 #include "commands/inputs.h"
 #include "talm_flow/conversion.h"
-#include "talm_flow/error.h"
 
 namespace talm_flow::commands {
 namespace {
@@ -33,18 +30,6 @@ std::string ButtonText(const Step& step, int k, std::string_view usual_text) {
 }
 
 std::string_view EditFlag(const Step& step, int k) { return Flag(step, k) ? "1" : "0"; }
-
-/// The time limit in the host's unit; 0 for none.
-std::int32_t TimeLimit(const Step& step, int k) {
-  const std::string stored = step.Stored(k);
-  auto number = ParseNumber(stored);
-  if (!number) number = ParseNumber(step.Evaluate(stored));
-  const std::int32_t limit = ToInt32(number.value_or(0));
-  if (limit == std::numeric_limits<std::int32_t>::min()) {
-    throw OverflowError("the absolute value of " + std::to_string(limit) + " does not fit in 32 bits");
-  }
-  return std::abs(limit);
-}
 
 void Notify(const Step& step, const db::RecordReference& record, std::string_view person, const TaskTexts& texts) {
   if (texts.title.empty()) return;
@@ -84,7 +69,7 @@ Outcome C_2(Step& step) {
   texts.title = EvaluatedAndCut(step, 4, kMaxNotice);
   texts.button = ButtonText(step, 5, "审批");
   texts.edit_flag = EditFlag(step, 6);
-  const std::int32_t time_limit = TimeLimit(step, 7);
+  const std::int32_t time_limit = Count(step, 7);
   texts.information = EvaluatedAndCut(step, 8, kMaxNotice);
 
   std::int32_t relation = 0;
@@ -149,7 +134,7 @@ Outcome C_97(Step& step) {
   texts.title = EvaluatedAndCut(step, 4, kMaxNotice);
   texts.button = ButtonText(step, 5, "填写");
   texts.edit_flag = EditFlag(step, 6);
-  const std::int32_t time_limit = TimeLimit(step, 7);
+  const std::int32_t time_limit = Count(step, 7);
   texts.information = EvaluatedAndCut(step, 8, kMaxNotice);
   const std::string unit_piece = UnitPiece(step, unit->code);
 
