@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that what the documents show is what the project holds: quoted files, links and make targets."""
+"""Checks that what the documents show is what the project holds: quoted files, links and make targets, and the
+documents that sources and headers send their readers to."""
 
 import pathlib
 import re
@@ -11,6 +12,8 @@ DOCUMENTS = sorted([*ROOT.glob("*.md"), *(ROOT / "docs").glob("*.md")])
 # A fenced block that follows a line such as <!-- file: examples/first_flow/main.cpp --> holds that file whole.
 QUOTED = re.compile(r"<!-- file: (\S+) -->\n```\w*\n(.*?)```\n", re.S)
 LINK = re.compile(r"\[[^\]]+\]\(([^)#\s]+)(?:#[^)]*)?\)")
+# A document named in a comment or a message of a source.
+NAMED = re.compile(r"\bdocs/[a-z_]+\.md\b")
 TARGET = re.compile(r"\bmake ([a-z][a-z-]*)\b")
 
 
@@ -34,8 +37,18 @@ def faults():
                     yield f"{name}: shows make {target}, which the Makefile lacks"
 
 
+def dead_ends():
+    for top in ("include", "src", "apps", "bench", "tests"):
+        for source in sorted((ROOT / top).rglob("*")):
+            if source.suffix not in (".h", ".cpp"):
+                continue
+            for document in NAMED.findall(source.read_text(encoding="utf-8")):
+                if not (ROOT / document).is_file():
+                    yield f"{source.relative_to(ROOT)}: sends its reader to {document}, which does not exist"
+
+
 def main() -> int:
-    found = list(faults())
+    found = [*faults(), *dead_ends()]
     for fault in found:
         print(fault, file=sys.stderr)
     print(f"{len(DOCUMENTS)} documents read")

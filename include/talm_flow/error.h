@@ -54,7 +54,9 @@ class SubscriptError : public FlowError {
   [[nodiscard]] const char* Kind() const noexcept override { return "SubscriptError"; }
 };
 
-/// A definition nests without end: see the limits in docs/limits.md.
+/// A definition nests without end: a descent of more than 32,767 levels below the flow's start or the last jump, child
+/// flows started more than 1,000 deep inside each other, an expression rewritten more than 1,000 times, or a structure
+/// query that met a cyclic tree.
 class NestingError : public FlowError {
  public:
   using FlowError::FlowError;
