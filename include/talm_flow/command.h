@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Class `Command`: starting, walking, resuming and ending flow instances; the commands; variables and expressions.
 ///
 /// An object keeps nothing between calls but the references to the host's services; it may be created per call or kept.
@@ -21,8 +22,10 @@
 
 namespace talm_flow {
 
+/// Starts, resumes and ends flow instances, runs commands, and evaluates expressions.
 class Command {
  public:
+  /// @param services  the host's services; what they refer to outlives this object.
   explicit Command(const host::Services& services) : services_(services) {}
 
   // ---- Flow start, walk and end -----------------------------------------------------------------------------------
@@ -79,9 +82,11 @@ class Command {
   /// group and for an unknown one.
   [[nodiscard]] bool NotAppExists(Connection& ConnDB, const Value& DataAppID);
 
-  /// The notice information of a task; the empty text for an unknown task and where it is Null.
+  /// The notice information of an approval task; the empty text for an unknown task and where it is Null.
   [[nodiscard]] std::string GetNoticInfFromDataApp(Connection& ConnDB, const Value& DataAppID);
+  /// As `GetNoticInfFromDataApp`, of a fill-in task.
   [[nodiscard]] std::string GetNoticInfFromInUnitSub(Connection& ConnDB, const Value& InUnitSubID);
+  /// As `GetNoticInfFromDataApp`, of an attention task.
   [[nodiscard]] std::string GetNoticInfFromDataAtt(Connection& ConnDB, const Value& DataAttID);
 
   /// The nearest approval step ("C_2") above a step, the step itself not considered; 0 when there is none.

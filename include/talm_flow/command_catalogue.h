@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// What the commands are, for programs that show, explain or check flow definitions.
 ///
 /// Everything here is constant data: the texts live as long as the program, and any number of threads may ask.
@@ -28,20 +29,22 @@ enum class ParameterTaken {
   kEvaluatedOrStored,  ///< evaluated; taken as stored when the value is the empty text
 };
 
+/// One parameter of a command.
 struct ParameterDescription {
-  std::string_view title;
-  ParameterTaken taken = ParameterTaken::kEvaluated;
-  bool required = false;     ///< without it the command does nothing that it is for
+  std::string_view title;                             ///< what it is, in a few words
+  ParameterTaken taken = ParameterTaken::kEvaluated;  ///< how its text is read
+  bool required = false;                              ///< without it the command does nothing that it is for
   std::string_view note;     ///< what fits, the default, and what a value that does not fit does; may be empty
   std::string_view example;  ///< a text that fits, as a definition holds it
 };
 
+/// One command.
 struct CommandDescription {
-  int number = 0;
-  std::string_view name;  ///< "C_1" ... "C_98"
-  std::string_view title;
-  std::string_view summary;
-  CommandEffect effect = CommandEffect::kContinues;
+  int number = 0;                                    ///< 1 to 98
+  std::string_view name;                             ///< "C_1" ... "C_98"
+  std::string_view title;                            ///< a few words
+  std::string_view summary;                          ///< what it does, in sentences
+  CommandEffect effect = CommandEffect::kContinues;  ///< what becomes of the step's children
   bool run_cap = false;                          ///< skipped silently once the step has run 200 times in one instance
   std::vector<ParameterDescription> parameters;  ///< parameter k, stored as "C_n_k", at k - 1
 };

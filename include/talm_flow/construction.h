@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Class `Construction`: a flow's step tree, its drawing, and its input parameters.
 ///
 /// As with `Command`, an object keeps nothing between calls, no error is caught, and numbers go into statements as they
@@ -14,8 +15,10 @@
 
 namespace talm_flow {
 
+/// Reads and edits the step tree of a flow, draws it, and keeps its input parameters.
 class Construction {
  public:
+  /// @param services  the host's services; what they refer to outlives this object.
   explicit Construction(const host::Services& services) : services_(services) {}
 
   // ---- The step tree ----------------------------------------------------------------------------------------------
@@ -24,6 +27,7 @@ class Construction {
   /// The highest step number of the flow; 0 when it has no steps.
   [[nodiscard]] std::int16_t MaxFlowNo(Connection& ConnDB, const Value& FlowID);
 
+  /// Whether the flow has a step of that number.
   [[nodiscard]] bool FlowNoExists(Connection& ConnDB, const Value& FlowID, const Value& FlowNo);
 
   /// The step's parent; 0 when the step does not exist.
@@ -83,6 +87,7 @@ class Construction {
   void UpdateInputParameter(Connection& ConnDB, const Value& ID, Value& InputTitle, const Value& OrderNo,
                             const Value& Sort, const Value& ClassContent);
 
+  /// Deletes an input parameter. An unknown `ID` changes nothing.
   void DelInputParameter(Connection& ConnDB, const Value& ID);
 
   /// The `ID`s of a flow's input parameters in list order, joined by ",".

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The one home of all conversions between texts, numbers, dates and values.
 ///
 /// Everything here is pure and independent of the process's locale. "Numeric text" and "date text" are the two tests
@@ -19,6 +20,7 @@ struct DateTime {
   /// Seconds since 1970-01-01 00:00:00.
   std::int64_t seconds = 0;
 
+  /// Earlier is less.
   friend auto operator<=>(const DateTime&, const DateTime&) = default;
 };
 
@@ -38,8 +40,11 @@ struct DateParts {
 /// before or after it; an optional exponent. A value that is no finite double is not numeric.
 [[nodiscard]] std::optional<double> ParseNumber(std::string_view text);
 
+/// Whether `ParseNumber` reads the text.
 [[nodiscard]] bool IsNumeric(std::string_view text);
+/// As above; keeps a text from being taken for a `Value`.
 [[nodiscard]] inline bool IsNumeric(const std::string& text) { return IsNumeric(std::string_view(text)); }
+/// As above; keeps a text from being taken for a `Value`.
 [[nodiscard]] inline bool IsNumeric(const char* text) { return IsNumeric(std::string_view(text)); }
 /// Numbers and Booleans are numeric, Null is not, a text is when `ParseNumber` reads it.
 [[nodiscard]] bool IsNumeric(const Value& value);
@@ -51,17 +56,19 @@ struct DateParts {
 /// The text that a value adds where values are joined: numbers in plain form, True and False for Booleans, nothing for
 /// Null.
 void AppendJoined(std::string& out, const Value& value);
+/// What `AppendJoined` appends, by itself.
 [[nodiscard]] std::string JoinedText(const Value& value);
 
 /// The value as a text. @throws ConversionError for Null.
 [[nodiscard]] std::string ToText(const Value& value);
 
-/// @throws ConversionError for Null and for a text that is not numeric. True is -1.
+/// The value as a number; True is -1, False 0. @throws ConversionError for Null and for a text that is not numeric.
 [[nodiscard]] double ToDouble(const Value& value);
 
 /// The nearest whole number, ties to the even neighbour.
 /// @throws OverflowError outside 32 bits; ConversionError as `ToDouble`.
 [[nodiscard]] std::int32_t ToInt32(const Value& value);
+/// The nearest whole number, ties to the even neighbour. @throws OverflowError outside 32 bits.
 [[nodiscard]] std::int32_t ToInt32(double number);
 
 /// As `ToInt32` within 16 bits.
@@ -81,11 +88,13 @@ void AppendJoined(std::string& out, const Value& value);
 /// 0100 to 9999 only. Numeric text never is date text.
 [[nodiscard]] std::optional<DateTime> ParseDate(std::string_view text);
 
+/// Whether `ParseDate` reads the text.
 [[nodiscard]] bool IsDate(std::string_view text);
 
 /// The moment of a calendar date and time of day; the parts must be a real moment.
 [[nodiscard]] DateTime MakeDateTime(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 
+/// A moment taken apart, with its day of the week.
 [[nodiscard]] DateParts PartsOf(DateTime moment);
 
 /// `yyyy/M/d H:mm:ss`, as 2026/1/31 9:05:00; without the time at midnight, as 2026/1/31.

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Checking flow definitions before they run: what can never work, and what most likely is not meant.
 ///
 /// A definition is judged by what running it would do, and nothing is written. An error is certain: the text cannot be
@@ -23,6 +24,7 @@
 
 namespace talm_flow {
 
+/// One thing that is wrong in a definition.
 struct Finding {
   std::string_view code;             ///< "E205": E for errors, W for warnings
   std::optional<std::int64_t> flow;  ///< not set for a text
@@ -32,6 +34,7 @@ struct Finding {
   std::string problem;               ///< what is wrong, one sentence
   std::string advice;                ///< what to write instead, one sentence
 
+  /// Whether the definition can never work here; otherwise it is a warning.
   [[nodiscard]] bool IsError() const { return code.front() == 'E'; }
 };
 
@@ -53,8 +56,8 @@ using Findings = std::vector<Finding>;
 
 /// One kind of finding.
 struct CheckCode {
-  std::string_view code;
-  std::string_view title;
+  std::string_view code;   ///< "E205"
+  std::string_view title;  ///< what is wrong, in a few words
 };
 
 /// All kinds, ascending by number.

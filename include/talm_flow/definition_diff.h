@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// How two flow definitions differ: stored flows, definition texts, or one of each. Nothing is written.
 ///
 /// Steps are the same when they have the same number, parameters when they have the same name in the same step, input
@@ -25,9 +26,9 @@ namespace talm_flow {
 
 /// A flow in a database. What it refers to outlives the comparison.
 struct StoredFlow {
-  std::reference_wrapper<Connection> connection;
-  std::reference_wrapper<const host::Services> services;
-  Value flow_id;
+  std::reference_wrapper<Connection> connection;          ///< reads the flow
+  std::reference_wrapper<const host::Services> services;  ///< the host's
+  Value flow_id;                                          ///< which flow
 };
 
 /// A stored flow, or a definition text with CR LF line ends.
@@ -49,17 +50,25 @@ enum class DefinitionPart {
   kInputContent,  ///< its further content
 };
 
-enum class ChangeKind { kAdded, kRemoved, kMoved, kChanged };
+/// What happened to a part.
+enum class ChangeKind {
+  kAdded,    ///< the second definition alone has it
+  kRemoved,  ///< the first definition alone has it
+  kMoved,    ///< a step that hangs below another parent
+  kChanged,  ///< both have it, with different content
+};
 
+/// One difference.
 struct DefinitionChange {
-  ChangeKind kind = ChangeKind::kChanged;
-  DefinitionPart part = DefinitionPart::kRemark;
+  ChangeKind kind = ChangeKind::kChanged;         ///< what happened
+  DefinitionPart part = DefinitionPart::kRemark;  ///< to what
   /// The number of the step that is concerned; for `kChildOrder` the parent, 0 for the top. Empty for other parts.
   std::string step{};
   /// The parameter's name; the input parameter's title, before.
   std::string name{};
-  /// The text before and after. A step's is its parent's number when it moved, its caption when it came or went.
+  /// The text in the first definition. A step's is its parent's number when it moved, its caption when it went.
   std::string before{};
+  /// The text in the second definition. A step's is its parent's number when it moved, its caption when it came.
   std::string after{};
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The errors that reach a caller. The component raises and never catches them; an adapter turns its driver's error
 /// into a `DatabaseError` with the driver's own message.
 
@@ -20,6 +21,9 @@ class FlowError : public std::runtime_error {
 /// A statement, a connection or the reading of a row failed. `what()` is the database's own message, unchanged.
 class DatabaseError : public FlowError {
  public:
+  /// @param message    the database's own message, unchanged.
+  /// @param statement  the text that failed, when one did.
+  /// @param state      the engine's error code in its own form, when it gave one.
   explicit DatabaseError(const std::string& message, std::string statement = {}, std::string state = {})
       : FlowError(message), statement_(std::move(statement)), state_(std::move(state)) {}
   [[nodiscard]] const char* Kind() const noexcept override { return "DatabaseError"; }

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Class `InOut`: flow definitions as texts ("Ver:Flow_V600").
 ///
 /// As with `Command`, an object keeps nothing between calls and no error is caught. The building blocks of the reader
@@ -14,8 +15,10 @@
 
 namespace talm_flow {
 
+/// Writes flow definitions as texts and loads them.
 class InOut {
  public:
+  /// @param services  the host's services; what they refer to outlives this object.
   explicit InOut(const host::Services& services) : services_(services) {}
 
   /// The whole definition of a flow as a text, CR LF after every line. @throws DatabaseError  there is no such flow.

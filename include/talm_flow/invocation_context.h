@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The values that travel with every step.
 
 #include "talm_flow/host/connection.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// All public operations of `Command`, `Construction`, `InOut` and `Name` by name, for callers that know the name only
 /// at run time: scripts, remote callers, the command line.
 ///
@@ -28,21 +29,29 @@
 
 namespace talm_flow::late_bound {
 
+/// The content of a list argument.
 using List = std::vector<std::string>;
 
 /// One argument: a single value, or a list of texts (`ExpressToArr` alone gives one).
 class Argument : public std::variant<Value, List> {
  public:
+  /// What an argument is made of.
   using Base = std::variant<Value, List>;
+  /// Null.
   Argument() = default;
+  /// A single value.
   Argument(Value value) : Base(std::move(value)) {}
+  /// A list of texts.
   Argument(List list) : Base(std::move(list)) {}
+  /// A single value from whatever a `Value` is made from.
   template <typename T>
   requires std::constructible_from<Value, T> Argument(T value) : Base(Value(std::move(value))) {}
 
+  /// Whether a list is held.
   [[nodiscard]] bool IsList() const noexcept { return index() == 1; }
-  /// What is held; asking for the other form is a programming error (std::bad_variant_access).
+  /// The single value held; asking for the other form is a programming error (std::bad_variant_access).
   [[nodiscard]] const Value& Single() const { return std::get<Value>(*this); }
+  /// The list held; asking for the other form is a programming error (std::bad_variant_access).
   [[nodiscard]] const List& Items() const { return std::get<List>(*this); }
 };
 
@@ -59,19 +68,25 @@ enum class Passing {
 
 /// One public operation.
 struct Operation {
+  /// Calls the operation; the arguments have been counted.
   using Thunk = Result (*)(Connection&, const host::Services&, std::span<Argument>);
 
-  std::string_view name;            ///< "Class.Operation"
-  std::string_view argument_names;  ///< joined by ","
-  std::span<const Passing> arguments;
-  std::size_t required = 0;  ///< arguments that must be given; those behind them may be left off
-  Thunk thunk = nullptr;
+  std::string_view name;               ///< "Class.Operation"
+  std::string_view argument_names;     ///< joined by ","
+  std::span<const Passing> arguments;  ///< how each is taken, in their order
+  std::size_t required = 0;            ///< arguments that must be given; those behind them may be left off
+  bool takes_connection = false;       ///< as its first argument; the others work on texts alone
+  Thunk thunk = nullptr;               ///< `Call` is the safe way to it
 
+  /// The fewest arguments that a call may have.
   [[nodiscard]] std::size_t MinArguments() const { return required; }
+  /// The most arguments that a call may have.
   [[nodiscard]] std::size_t MaxArguments() const { return arguments.size(); }
+  /// Whether the operation may write the argument at 0-based `index` (below `MaxArguments`).
   [[nodiscard]] bool IsByReference(std::size_t index) const {
     return arguments[index] == Passing::kByReference || arguments[index] == Passing::kList;
   }
+  /// What stands before the ".": "Command", "Construction", "InOut" or "Name".
   [[nodiscard]] std::string_view ClassName() const { return name.substr(0, name.find('.')); }
   /// The name of the argument at 0-based `index`.
   [[nodiscard]] std::string_view ArgumentName(std::size_t index) const;

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Class `Name`: the catalogue of flows.
 ///
 /// As with `Command`, an object keeps nothing between calls and no error is caught. A name is blank when nothing is left
@@ -15,8 +16,10 @@
 
 namespace talm_flow {
 
+/// Lists, adds, renames, replaces and deletes flows.
 class Name {
  public:
+  /// @param services  the host's services; what they refer to outlives this object.
   explicit Name(const host::Services& services) : services_(services) {}
 
   /// Renames a flow and replaces its structure from a definition text.
@@ -34,11 +37,14 @@ class Name {
   /// Reads a flow's columns as they are (Null stays Null). @returns whether it exists; when not, three empty texts.
   [[nodiscard]] bool GetAll(Connection& ConnDB, const Value& FlowID, Value& FlowName, Value& Creater, Value& Remark);
 
-  /// One column as a text; the empty text for an unknown flow. @throws ConversionError  the column is Null.
+  /// A flow's name; the empty text for an unknown flow. @throws ConversionError  the column is Null.
   [[nodiscard]] std::string GetFlowName(Connection& ConnDB, const Value& FlowID);
+  /// As `GetFlowName`, who created the flow.
   [[nodiscard]] std::string GetCreater(Connection& ConnDB, const Value& FlowID);
+  /// As `GetFlowName`, the flow's remark.
   [[nodiscard]] std::string GetRemark(Connection& ConnDB, const Value& FlowID);
 
+  /// Whether the catalogue has a flow of that number.
   [[nodiscard]] bool FlowExists(Connection& ConnDB, const Value& FlowID);
 
   /// Adds an empty flow. @returns 0 added, 1 blank name.

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Texts as the system sees them: UTF-8, counted in Unicode code points, never torn inside one.
 ///
 /// A byte that belongs to no well-formed sequence counts as one character and is kept as it is.
@@ -32,7 +33,23 @@ namespace talm_flow {
 
 /// Each character mapped one to one, independent of any locale.
 [[nodiscard]] std::string LowerCase(std::string_view text);
+/// As `LowerCase`, the other way.
 [[nodiscard]] std::string UpperCase(std::string_view text);
+
+/// How many bytes the well-formed UTF-8 sequence at the text's beginning has; 0 when there is none.
+[[nodiscard]] std::size_t SequenceSize(std::string_view text);
+
+/// The code point of a text that is one well-formed sequence.
+[[nodiscard]] char32_t CodePointOf(std::string_view sequence);
+
+/// Appends a code point's sequence.
+void AppendUtf8(std::string& out, char32_t code_point);
+
+/// The text in UTF-16; each byte that belongs to no well-formed sequence becomes U+FFFD.
+[[nodiscard]] std::u16string ToUtf16(std::string_view text);
+
+/// The text in UTF-8; each half of a character becomes U+FFFD.
+[[nodiscard]] std::string ToUtf8(std::u16string_view text);
 
 /// Equal when A to Z and a to z are taken as the same; for names of columns, tables and keywords.
 [[nodiscard]] bool EqualIgnoringAsciiCase(std::string_view a, std::string_view b);

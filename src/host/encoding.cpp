@@ -1,10 +1,7 @@
 #include "host/encoding.h"
 
-#include <iconv.h>
-#include <utf8proc.h>
-
-#include <array>
-#include <cerrno>
+#include "host/gb18030.h"
+#include "talm_flow/text.h"
 
 namespace talm_flow::host {
 namespace {
@@ -12,62 +9,16 @@ namespace {
 // The size of the text's part before the first byte that belongs to no well-formed sequence.
 std::size_t WellFormedSize(std::string_view text) {
   std::size_t at = 0;
-  while (at < text.size()) {
-    utf8proc_int32_t code_point = 0;
-    const auto size = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data() + at),
-                                       static_cast<utf8proc_ssize_t>(text.size() - at), &code_point);
-    if (size <= 0) break;
-    at += static_cast<std::size_t>(size);
-  }
+  while (const std::size_t size = SequenceSize(text.substr(at))) at += size;
   return at;
 }
-
-class Converter {
- public:
-  explicit Converter(const char* to) : handle_(iconv_open(to, "UTF-8")) {}
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
-  ~Converter() {
-    if (available()) (void)iconv_close(handle_);
-  }
-
-  [[nodiscard]] bool available() const { return handle_ != reinterpret_cast<iconv_t>(-1); }
-
-  // Stops at the first character that the other encoding does not have. @returns the bytes of the text taken.
-  [[nodiscard]] std::size_t Convert(std::string_view text, std::string& out) {
-    constexpr auto kFailed = static_cast<std::size_t>(-1);
-    std::array<char, 4096> buffer{};
-    // The interface takes the text as changeable, but never changes it.
-    char* in = const_cast<char*>(text.data());
-    std::size_t left = text.size();
-    for (;;) {
-      char* next = buffer.data();
-      std::size_t room = buffer.size();
-      const std::size_t result = left > 0 ? iconv(handle_, &in, &left, &next, &room) : 0;
-      const int error = errno;
-      out.append(buffer.data(), next);
-      if (result != kFailed || error != E2BIG) return text.size() - left;
-    }
-  }
-
- private:
-  iconv_t handle_;
-};
 
 }  // namespace
 
 EncodingResult Encode(TextEncoding encoding, std::string_view text) {
-  EncodingResult result;
-  const std::size_t well_formed = WellFormedSize(text);
-  if (encoding == TextEncoding::kUtf8) {
-    result.bytes = text.substr(0, well_formed);
-    result.taken = well_formed;
-    return result;
-  }
-  Converter converter("GB18030");
-  result.available = converter.available();
-  if (result.available) result.taken = converter.Convert(text.substr(0, well_formed), result.bytes);
-  return result;
+  const std::string_view well_formed = text.substr(0, WellFormedSize(text));
+  if (encoding != TextEncoding::kUtf8) return EncodeGb18030(well_formed);
+  return {.bytes = std::string(well_formed), .taken = well_formed.size(), .available = true};
 }
 
 }  // namespace talm_flow::host

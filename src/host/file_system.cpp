@@ -1,7 +1,5 @@
 #include "host/file_system.h"
 
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -11,6 +9,7 @@
 #include <utility>
 
 #include "host/encoding.h"
+#include "host/machine_file.h"
 #include "talm_flow/error.h"
 #include "talm_flow/text.h"
 
@@ -30,13 +29,13 @@ namespace {
 }
 
 // A name as the machine takes it. One with a NUL inside would be taken for another, shorter name.
-std::string MachineName(std::string_view file_name) {
+std::filesystem::path MachineName(std::string_view file_name) {
   if (file_name.find('\0') != std::string_view::npos) Fail(file_name, "its name holds a NUL character");
-  return std::string(file_name);
+  return MachinePath(file_name);
 }
 
 // Whether nobody may write the file. The machine lets it be deleted all the same, but then it was hardly meant to go.
-bool IsProtected(const std::string& machine_name) {
+bool IsProtected(const std::filesystem::path& machine_name) {
   using std::filesystem::perms;
   std::error_code error;
   const auto status = std::filesystem::symlink_status(machine_name, error);
@@ -57,11 +56,8 @@ std::string HexText(std::string_view prefix, unsigned number, std::size_t width)
 
 // A character with its number: some cannot be seen, and not every font has every one.
 std::string ShownCharacter(std::string_view character) {
-  const auto byte = [&](std::size_t at) { return static_cast<unsigned>(static_cast<unsigned char>(character[at])); };
-  if (character.size() == 1) return HexText("the byte 0x", byte(0), 2);
-  unsigned code_point = byte(0) & (0x7FU >> character.size());
-  for (std::size_t at = 1; at < character.size(); ++at) code_point = code_point << 6U | (byte(at) & 0x3FU);
-  return HexText("the character U+", code_point, 4) + " (" + std::string(character) + ")";
+  if (character.size() == 1) return HexText("the byte 0x", static_cast<unsigned char>(character[0]), 2);
+  return HexText("the character U+", CodePointOf(character), 4) + " (" + std::string(character) + ")";
 }
 
 std::string EncodeOrFail(TextEncoding encoding, std::string_view file_name, std::string_view text) {
@@ -81,7 +77,7 @@ std::string EncodeOrFail(TextEncoding encoding, std::string_view file_name, std:
 class FileStream : public TextStream {
  public:
   FileStream(std::string_view file_name, TextEncoding encoding)
-      : name_(MachineName(file_name)), encoding_(encoding), file_(std::fopen(name_.c_str(), "wb")) {
+      : name_(file_name), encoding_(encoding), file_(OpenForWriting(MachineName(file_name))) {
     if (!file_) FailWithErrno(name_, errno);
   }
 
@@ -122,9 +118,9 @@ bool ReferenceFileSystem::FileExists(std::string_view file_name) {
 }
 
 void ReferenceFileSystem::DeleteFile(std::string_view file_name) {
-  const std::string name = MachineName(file_name);
+  const auto name = MachineName(file_name);
   if (IsProtected(name)) Fail(file_name, "it is protected against writing");
-  if (::unlink(name.c_str()) != 0) FailWithErrno(file_name, errno);
+  if (!Delete(name)) FailWithErrno(file_name, errno);
 }
 
 std::unique_ptr<TextStream> ReferenceFileSystem::CreateTextFile(std::string_view file_name) {

@@ -11,6 +11,15 @@ void AppendPadded(std::string& out, int number, std::size_t width) {
   out += digits;
 }
 
+/// The moment in the machine's time zone, without a place that other threads write to.
+void LocalTime(std::time_t moment, std::tm& local) {
+#ifdef _WIN32
+  (void)localtime_s(&local, &moment);
+#else
+  (void)localtime_r(&moment, &local);
+#endif
+}
+
 constexpr bool StandsForItself(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
          c == '.' || c == '~';
@@ -56,7 +65,7 @@ DateTime ReferenceClock::Now() {
   if (fixed_) return *fixed_;
   const std::time_t now = std::time(nullptr);
   std::tm local{};
-  (void)localtime_r(&now, &local);
+  LocalTime(now, local);
   return MakeDateTime(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
 }
 

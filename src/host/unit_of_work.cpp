@@ -1,5 +1,9 @@
 #include "talm_flow/host/unit_of_work.h"
 
+#include <algorithm>
+#include <random>
+#include <thread>
+
 namespace talm_flow::host {
 namespace {
 
@@ -24,8 +28,26 @@ void UnitOfWork::RunAny(const Callable& work) {
       RunOnce(work);
       return;
     } catch (const DatabaseError& error) {
-      if (attempt >= attempts_ || !transaction_.MayBeRepeated(error)) throw;
+      if (attempt >= repetition_.attempts || !transaction_.MayBeRepeated(error)) throw;
+      if (transaction_.InTransaction()) throw;  // it could not be taken back
     }
+    PauseAfter(attempt);
+  }
+}
+
+void UnitOfWork::PauseAfter(int attempt) const {
+  using Pause = Repetition::Pause;
+  Pause most = std::min(repetition_.first_pause, repetition_.longest_pause);
+  for (int i = 1; i < attempt && most < repetition_.longest_pause; ++i) {
+    most = std::min(most * 2, repetition_.longest_pause);
+  }
+  most = std::max(most, Pause::zero());
+  std::random_device random;
+  const Pause pause(std::uniform_int_distribution<Pause::rep>(most.count() / 2, most.count())(random));
+  if (repetition_.wait) {
+    repetition_.wait(pause);
+  } else {
+    std::this_thread::sleep_for(pause);
   }
 }
 

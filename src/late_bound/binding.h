@@ -85,6 +85,10 @@ struct Parameter<InvocationContext&> {
 
 template <typename Class, typename Returned, typename... Parameters>
 struct Signature {
+  /// Whether a connection is handed over, by itself or within a context.
+  static constexpr bool kTakesConnection =
+      ((std::is_same_v<Parameters, Connection&> || std::is_same_v<Parameters, InvocationContext&>) || ...);
+
   static constexpr std::size_t kCount = (Parameter<Parameters>::kTakes.size() + ... + 0);
 
   static constexpr std::array<Passing, kCount> kArguments = [] {
@@ -141,6 +145,7 @@ consteval Operation Bind(std::string_view name, std::string_view argument_names)
           .argument_names = argument_names,
           .arguments = arguments,
           .required = static_cast<std::size_t>(first_optional - arguments.begin()),
+          .takes_connection = Bound::kTakesConnection,
           .thunk = &Bound::template Call<kMember>};
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The database as the component reaches it: a connection that runs texts, and the row sets it opens.
 ///
 /// Threading: none; a connection and its row sets belong to one thread at a time.
@@ -41,9 +42,11 @@ class RowSet {
   /// @throws DatabaseError  no current row, or no such column.
   [[nodiscard]] virtual Value Field(std::string_view name) const = 0;
 
-  /// The columns, in the order of the query.
+  /// How many columns the query has.
   [[nodiscard]] virtual std::size_t ColumnCount() const = 0;
+  /// The name of the column at 0-based `index`, in the order of the query; valid as long as the row set.
   [[nodiscard]] virtual std::string_view ColumnName(std::size_t index) const = 0;
+  /// The current row's value of the column at 0-based `index`. @throws DatabaseError  no current row.
   [[nodiscard]] virtual Value FieldAt(std::size_t index) const = 0;
 
   /// Begins a new row of the queried table. Fields that are not set take the table's defaults.
@@ -59,6 +62,7 @@ class RowSet {
   virtual void Close() = 0;
 };
 
+/// An open database connection of the host.
 class Connection {
  public:
   Connection() = default;

@@ -22,9 +22,11 @@ class FileSystem {
   virtual ~FileSystem() = default;
   /// @throws FileError when the encoding in which files are written cannot hold the text; nothing is touched.
   virtual void RequireEncodable(std::string_view file_name, std::string_view text) = 0;
+  /// Whether there is a file of that name.
   [[nodiscard]] virtual bool FileExists(std::string_view file_name) = 0;
+  /// Removes a file that exists. @throws FileError
   virtual void DeleteFile(std::string_view file_name) = 0;
-  /// Creates the file, replacing what is there.
+  /// Creates the file, replacing what is there. @throws FileError
   [[nodiscard]] virtual std::unique_ptr<TextStream> CreateTextFile(std::string_view file_name) = 0;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// A complete host over the same database as the flows, so that everything runs out of the box.
 ///
 /// Its services read through the connection that the component hands them, below any observing wrapper
@@ -19,14 +20,18 @@ enum class TextEncoding {
   kGb18030,  ///< for exchange with older installations
 };
 
+/// Settings of the reference host.
 struct ReferenceHostOptions {
   /// When set, the clock stands still at this moment.
   std::optional<DateTime> fixed_clock;
+  /// Of the files that `InOut::CreateTxt` writes.
   TextEncoding text_encoding = TextEncoding::kUtf8;
 };
 
+/// Owns one object a service.
 class ReferenceHost {
  public:
+  /// With the machine's clock and UTF-8 unless the options say otherwise.
   explicit ReferenceHost(ReferenceHostOptions options = {});
   ReferenceHost(const ReferenceHost&) = delete;
   ReferenceHost& operator=(const ReferenceHost&) = delete;

@@ -15,15 +15,15 @@ namespace talm_flow::host {
 ///
 /// `ReferenceHost` (talm_flow/host/reference_host.h) offers a complete set over the same database.
 struct Services {
-  CommonFunctions& common;
-  RecordService& records;
-  TableService& tables;
-  UserListService& user_lists;
-  FormService& forms;
-  DateService& dates;
-  UrlService& urls;
-  Clock& clock;
-  FileSystem& files;
+  CommonFunctions& common;      ///< literals, lists and safe texts for pages
+  RecordService& records;       ///< form records
+  TableService& tables;         ///< form tables
+  UserListService& user_lists;  ///< people and groups
+  FormService& forms;           ///< input units
+  DateService& dates;           ///< the host's date columns
+  UrlService& urls;             ///< texts in addresses
+  Clock& clock;                 ///< the current moment
+  FileSystem& files;            ///< exported definitions
 };
 
 }  // namespace talm_flow::host

@@ -11,6 +11,7 @@ namespace talm_flow::host {
 class DateService {
  public:
   virtual ~DateService() = default;
+  /// The moment as the host's date columns hold it; goes into statements through `SqlText`.
   [[nodiscard]] virtual std::string FormatDateTime(DateTime moment) const = 0;
 };
 
@@ -18,6 +19,7 @@ class DateService {
 class UrlService {
  public:
   virtual ~UrlService() = default;
+  /// The text as it may stand in the query of a URL that stands in a double-quoted HTML attribute.
   [[nodiscard]] virtual std::string EncodeUrl(std::string_view text) const = 0;
 };
 
@@ -25,6 +27,7 @@ class UrlService {
 class Clock {
  public:
   virtual ~Clock() = default;
+  /// The moment of the call.
   [[nodiscard]] virtual DateTime Now() = 0;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// A connection that tells every statement text before it hands it on.
 
 #include <functional>
@@ -11,6 +12,7 @@
 
 namespace talm_flow::host {
 
+/// Hands everything on to another connection. One thread at a time, as that one.
 class TracingConnection : public Connection {
  public:
   /// @param inner     runs the statements; outlives this object.
