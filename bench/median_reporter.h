@@ -13,17 +13,19 @@ namespace talm_flow::bench {
 
 class MedianReporter : public benchmark::ConsoleReporter {
  public:
-  MedianReporter() : benchmark::ConsoleReporter(OO_Tabular) {}
+  enum class Time { kCpu, kElapsed };
+
+  explicit MedianReporter(Time time = Time::kCpu) : benchmark::ConsoleReporter(OO_Tabular), time_(time) {}
 
   void ReportRuns(const std::vector<Run>& runs) override {
     benchmark::ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
       if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median") continue;
-      medians_[run.run_name.function_name] = run.GetAdjustedCPUTime();
+      medians_[run.run_name.function_name] = time_ == Time::kCpu ? run.GetAdjustedCPUTime() : run.GetAdjustedRealTime();
     }
   }
 
-  /// CPU time in the benchmark's unit; of the last run when there was only one. 0 when there was none.
+  /// Time in the benchmark's unit; of the last run when there was only one. 0 when there was none.
   [[nodiscard]] double Median(const std::string& name) const {
     const auto found = medians_.find(name);
     return found == medians_.end() ? 0 : found->second;
@@ -41,6 +43,7 @@ class MedianReporter : public benchmark::ConsoleReporter {
   }
 
  private:
+  Time time_;
   std::map<std::string, double> medians_;
 };
 

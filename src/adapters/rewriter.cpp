@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+#include "adapters/reserved_words.h"
+#include "adapters/schema_text.h"
 #include "adapters/sql_tokens.h"
 #include "talm_flow/text.h"
 
@@ -17,6 +19,11 @@ constexpr std::array<std::string_view, 9> kAggregates = {"count", "sum",        
                                                          "total", "group_concat", "string_agg", "array_agg"};
 
 enum class Clause { kList, kFrom, kWhere, kGroup, kHaving, kOrder, kLimit };
+
+/// Behind these words, operators aside, a sign belongs to what follows it.
+constexpr std::array<std::string_view, 21> kBeforeOperand = {
+    "and", "as",     "between", "by", "case",      "else",   "having", "in",  "is",   "like", "limit",
+    "not", "offset", "on",      "or", "returning", "select", "then",   "top", "when", "where"};
 
 /// One "Select" of a statement. Places are indexes of tokens.
 struct Select {
@@ -41,11 +48,12 @@ struct Level {
   std::size_t owner = kNone;   // the nearest select around
   bool keeps_literals = false;
   bool compound = false;
+  bool in_condition = false;
 };
 
 struct PlainTable {
   TableName name;
-  std::string_view qualifier;  // what the statement calls it, as written
+  std::size_t qualifier = 0;  // the token by which the statement calls it
 };
 
 struct Edit {
@@ -68,6 +76,8 @@ class Outline {
   [[nodiscard]] const std::vector<Select>& selects() const { return selects_; }
   [[nodiscard]] StatementKind kind() const { return kind_; }
   [[nodiscard]] bool keeps_literals() const { return keeps_literals_; }
+  /// Of each mark, in order: whether it stands in a condition.
+  [[nodiscard]] const std::vector<bool>& marks_in_conditions() const { return marks_in_conditions_; }
   [[nodiscard]] bool has_common_tables() const { return has_common_tables_; }
 
   [[nodiscard]] std::string_view Text(std::size_t token) const {
@@ -101,6 +111,7 @@ class Outline {
         break;
       case Token::Kind::kMark:
         keeps_literals_ = keeps_literals_ || KeepsLiterals();
+        marks_in_conditions_.push_back(levels_.back().in_condition);
         break;
       case Token::Kind::kOther:
         Sign(Text(at_).front());
@@ -122,7 +133,7 @@ class Outline {
   void Sign(char sign) {
     Level& level = levels_.back();
     if (sign == '(') {
-      levels_.push_back({.owner = level.owner, .keeps_literals = KeepsLiterals()});
+      levels_.push_back({.owner = level.owner, .keeps_literals = KeepsLiterals(), .in_condition = level.in_condition});
     } else if (sign == ')' && levels_.size() > 1) {
       CloseLevel();
     } else if (sign == ',' && level.select != kNone && selects_[level.select].clause == Clause::kOrder) {
@@ -141,6 +152,7 @@ class Outline {
     Enter(Clause::kLimit);
     selects_[level.select].end = at_;
     level.select = kNone;
+    level.in_condition = false;
   }
 
   void Enter(Clause clause) {
@@ -151,6 +163,7 @@ class Outline {
 
   void Word() {
     Level& level = levels_.back();
+    NoteCondition();
     if (IsWord(at_, "select")) {
       BeginSelect();
     } else if (IsWord(at_, "with") && (at_ == 0 || IsSign(at_ - 1, '('))) {
@@ -167,6 +180,7 @@ class Outline {
   }
 
   void BeginSelect() {
+    EndSelect();  // no statement has two on one level, but a text may
     Level& level = levels_.back();
     level.select = level.owner = selects_.size();
     Select& select = selects_.emplace_back();
@@ -213,6 +227,16 @@ class Outline {
     }
   }
 
+  void NoteCondition() {
+    bool& in_condition = levels_.back().in_condition;
+    if (IsWord(at_, "where") || IsWord(at_, "having") || IsWord(at_, "on")) {
+      in_condition = true;
+    } else if (IsWord(at_, "select") || IsWord(at_, "group") || IsWord(at_, "order") || IsWord(at_, "limit") ||
+               IsWord(at_, "returning") || IsWord(at_, "set") || IsWord(at_, "values")) {
+      in_condition = false;
+    }
+  }
+
   void NoteAggregate() {
     const std::size_t owner = levels_.back().owner;
     if (owner == kNone || !IsSign(at_ + 1, '(')) return;
@@ -229,6 +253,7 @@ class Outline {
   std::vector<Level> levels_;
   std::size_t at_ = 0;
   StatementKind kind_ = StatementKind::kOther;
+  std::vector<bool> marks_in_conditions_;
   bool keeps_literals_ = false;
   bool returning_ = false;
   bool has_common_tables_ = false;
@@ -238,16 +263,14 @@ class Outline {
 class Rewriter {
  public:
   Rewriter(std::string_view shape, const Dialect& dialect, TableKeys& keys)
-      : shape_(shape), dialect_(dialect), keys_(keys), outline_(shape) {}
+      : shape_(shape), dialect_(dialect), keys_(keys), outline_(shape), places_(shape, outline_.tokens()) {}
 
   [[nodiscard]] Rewritten Run() {
     result_.kind = outline_.kind();
     result_.literals_inline = outline_.keeps_literals();
     for (const Select& select : outline_.selects()) RewriteSelect(select);
-    for (const Token& token : outline_.tokens()) {
-      if (token.kind == Token::Kind::kIdentity && token.end - token.begin > 2) {
-        edits_.push_back({token.begin, token.end - token.begin, std::string(dialect_.identity)});
-      }
+    if (!dialect_.native) {
+      for (std::size_t token = 0; token < outline_.tokens().size(); ++token) RewriteToken(token);
     }
     Apply();
     return std::move(result_);
@@ -256,12 +279,97 @@ class Rewriter {
  private:
   [[nodiscard]] const Token& At(std::size_t token) const { return outline_.tokens()[token]; }
 
+  void Replace(std::size_t token, std::string text) {
+    edits_.push_back({At(token).begin, At(token).end - At(token).begin, std::move(text)});
+  }
+
+  void RewriteToken(std::size_t token) {
+    switch (At(token).kind) {
+      case Token::Kind::kIdentity:
+        if (At(token).end - At(token).begin > 2) Replace(token, std::string(dialect_.identity));
+        break;
+      case Token::Kind::kWord:
+      case Token::Kind::kQuotedName:
+        if (std::string name = InEnginesQuotes(token); name != outline_.Text(token)) Replace(token, std::move(name));
+        break;
+      case Token::Kind::kMark:
+        negative_marks_.push_back(dialect_.types_from_context && TakesSign(token));
+        if (dialect_.types_from_context && IsCombinedWithMark(token)) result_.literals_inline = true;
+        break;
+      default:
+        break;
+    }
+  }
+
+  /// A name as the engine is to read it.
+  [[nodiscard]] std::string InEnginesQuotes(std::size_t token) const {
+    const std::string spelled = Spelled(outline_.Text(token));
+    const std::string_view name = spelled;
+    if (At(token).kind == Token::Kind::kQuotedName && name == outline_.Text(token)) {
+      const bool foreign = name.front() == '['   ? dialect_.quotes != NameQuotes::kAnsi
+                           : name.front() == '`' ? dialect_.quotes == NameQuotes::kAnsiLowerCase
+                                                 : dialect_.quotes == NameQuotes::kBackticks;
+      return foreign ? QuotedName(dialect_, UnquotedName(name)) : std::string(name);
+    }
+    const bool quote = IsReserved(dialect_.reserved, name) && HoldsColumns(token) && places_.IsName(token);
+    return quote ? QuotedName(dialect_, name) : std::string(name);
+  }
+
+  /// Statements that define something name columns in ways of their own: "primary key (a)".
+  [[nodiscard]] bool HoldsColumns(std::size_t token) const {
+    const auto& selects = outline_.selects();
+    return outline_.kind() != StatementKind::kOther || outline_.IsWord(0, "with") || outline_.IsWord(0, "explain") ||
+           (outline_.IsWord(0, "create") && !selects.empty() && selects.front().first < token);
+  }
+
+  /// A name in the case in which the engine knows it, if it is that of a table.
+  [[nodiscard]] std::string Spelled(std::string_view name) const {
+    if (!dialect_.tables_by_case) return std::string(name);
+    const std::string plain = UnquotedName(name);
+    std::string spelled = TableNameAsInSchema(plain);
+    return spelled == plain ? std::string(name) : spelled;
+  }
+
+  /// Takes the sign away that belongs to the literal behind it.
+  bool TakesSign(std::size_t mark) {
+    if (mark == 0 || !outline_.IsSign(mark - 1, '-')) return false;
+    if (mark > 1 && !StandsBeforeOperand(mark - 2)) return false;
+    Replace(mark - 1, {});
+    return true;
+  }
+
+  [[nodiscard]] bool StandsBeforeOperand(std::size_t token) const {
+    if (At(token).kind == Token::Kind::kOther) return outline_.Text(token).front() != ')';
+    return std::any_of(kBeforeOperand.begin(), kBeforeOperand.end(),
+                       [&](std::string_view word) { return outline_.IsWord(token, word); });
+  }
+
+  /// "1=1", "5 > 10": nothing there tells the engine what the literals are.
+  [[nodiscard]] bool IsCombinedWithMark(std::size_t mark) const {
+    constexpr std::string_view kOperators = "=<>!+-*/%|";
+    std::size_t other = mark;
+    while (other > 0 && At(other - 1).kind == Token::Kind::kOther &&
+           kOperators.find(outline_.Text(other - 1).front()) != kOperators.npos) {
+      --other;
+    }
+    return other < mark && other > 0 && At(other - 1).kind == Token::Kind::kMark;
+  }
+
   void RewriteSelect(const Select& select) {
     const auto table = FindPlainTable(select);
     if (select.outermost && outline_.kind() == StatementKind::kSelect && table && !select.compound) {
       result_.table = table->name;
     }
-    if (table && WantsKeyOrder(select)) AddKeyOrder(select, *table);
+    if (select.outermost) {
+      for (const std::string_view name : select.result_names) result_.result_names.push_back(UnquotedName(name));
+    }
+    if (dialect_.native) return;
+    const bool wants_key_order = table && WantsKeyOrder(select);
+    const bool wants_nulls = dialect_.nulls_last && select.order != kNone;
+    TableKey key;
+    if (table && (wants_key_order || wants_nulls)) key = keys_.Find(table->name);
+    if (wants_nulls) PlaceNulls(select, key);
+    if (wants_key_order) AddKeyOrder(select, *table, key);
     if (select.top != kNone) MoveTop(select);
   }
 
@@ -283,42 +391,61 @@ class Rewriter {
     const std::size_t end = number + 1 < outline_.tokens().size() ? At(number + 1).begin : At(number).end;
     edits_.push_back({begin, end - begin, {}});
     std::string limit = " limit " + std::string(outline_.Text(number));
-    if (!select.compound) {
+    // A part of a compound select can be limited only inside a select of its own.
+    if (!select.compound && (select.outermost || !dialect_.derived_limits)) {
       InsertBehind(select.end - 1, std::move(limit));
       return;
     }
-    // A part of a compound select can be limited only inside a select of its own.
     edits_.push_back({At(select.first).begin, 0, "select * from ("});
-    const std::size_t end_of_part = select.order != kNone ? select.order : EndBeforeLimit(select);
-    InsertBehind(end_of_part - 1, std::move(limit) + ")");
+    const bool order_is_of_all = select.compound && select.order != kNone;
+    const std::size_t end_of_part = order_is_of_all   ? select.order
+                                    : select.compound ? EndBeforeLimit(select)
+                                                      : select.end;
+    InsertBehind(end_of_part - 1, std::move(limit) + ") as limited");
   }
 
-  void AddKeyOrder(const Select& select, const PlainTable& table) {
-    const TableKey key = keys_.Find(table.name);
+  void AddKeyOrder(const Select& select, const PlainTable& table, const TableKey& key) {
     if (key.order.empty() || IsOrderedBy(select, key)) return;
     std::string terms;
     for (const std::string& column : key.order) {
       terms += terms.empty() ? "" : ", ";
-      terms.append(table.qualifier).append(".").append(column);
+      terms.append(InEnginesQuotes(table.qualifier)).append(".").append(column);
     }
     InsertBehind(EndBeforeLimit(select) - 1, (select.order == kNone ? " order by " : ", ") + terms);
   }
 
+  /// Every term that can be Null says where its Null goes.
+  void PlaceNulls(const Select& select, const TableKey& key) {
+    for (std::size_t i = 0; i < select.order_terms.size(); ++i) {
+      const std::size_t end = TermEnd(select, i);
+      if (end <= select.order_terms[i] || IsKeyTerm(select, i, key)) continue;
+      if (end >= 2 && outline_.IsWord(end - 2, "nulls")) continue;
+      InsertBehind(end - 1, outline_.IsWord(end - 1, "desc") ? " nulls last" : " nulls first");
+    }
+  }
+
+  [[nodiscard]] std::size_t TermEnd(const Select& select, std::size_t term) const {
+    return term + 1 < select.order_terms.size() ? select.order_terms[term + 1] - 1 : EndBeforeLimit(select);
+  }
+
   [[nodiscard]] bool IsOrderedBy(const Select& select, const TableKey& key) const {
     for (std::size_t i = 0; i < select.order_terms.size(); ++i) {
-      const std::size_t end =
-          i + 1 < select.order_terms.size() ? select.order_terms[i + 1] - 1 : EndBeforeLimit(select);
-      std::size_t name = select.order_terms[i];
-      const bool qualified = outline_.IsSign(name + 1, '.');
-      while (outline_.IsSign(name + 1, '.')) name += 2;
-      const bool plain = name + 1 == end ||
-                         (name + 2 == end && (outline_.IsWord(name + 1, "asc") || outline_.IsWord(name + 1, "desc")));
-      if (!plain || !outline_.IsName(name)) continue;
-      const std::string column = UnquotedName(outline_.Text(name));
-      if (!qualified && Names(select.result_names, column)) continue;
-      if (Names(key.names, column)) return true;
+      if (IsKeyTerm(select, i, key)) return true;
     }
     return false;
+  }
+
+  [[nodiscard]] bool IsKeyTerm(const Select& select, std::size_t term, const TableKey& key) const {
+    const std::size_t end = TermEnd(select, term);
+    std::size_t name = select.order_terms[term];
+    const bool qualified = outline_.IsSign(name + 1, '.');
+    while (outline_.IsSign(name + 1, '.')) name += 2;
+    const bool plain =
+        name + 1 == end || (name + 2 == end && (outline_.IsWord(name + 1, "asc") || outline_.IsWord(name + 1, "desc")));
+    if (!plain || !outline_.IsName(name)) return false;
+    const std::string column = UnquotedName(outline_.Text(name));
+    if (!qualified && Names(select.result_names, column)) return false;
+    return Names(key.names, column);
   }
 
   template <typename List>
@@ -337,12 +464,11 @@ class Rewriter {
       found.name.schema = UnquotedName(outline_.Text(at));
       at += 2;
     }
-    found.name.name = UnquotedName(outline_.Text(at));
-    found.qualifier = outline_.Text(at);
-    ++at;
+    found.name.name = UnquotedName(Spelled(outline_.Text(at)));
+    found.qualifier = at++;
     if (at < select.from_end && outline_.IsWord(at, "as")) ++at;
     const bool hint = outline_.IsWord(at, "indexed") || outline_.IsWord(at, "not");
-    if (at < select.from_end && outline_.IsName(at) && !hint) found.qualifier = outline_.Text(at++);
+    if (at < select.from_end && outline_.IsName(at) && !hint) found.qualifier = at++;
     if (at < select.from_end && outline_.IsWord(at, "not") && outline_.IsWord(at + 1, "indexed")) at += 2;
     if (at < select.from_end && outline_.IsWord(at, "indexed") && outline_.IsWord(at + 1, "by")) at += 3;
     if (at != select.from_end) return std::nullopt;
@@ -365,8 +491,12 @@ class Rewriter {
   void CopyTo(std::size_t end) {
     for (; next_mark_ < marks_.size() && marks_[next_mark_] < end; ++next_mark_) {
       result_.text.append(shape_, copied_, marks_[next_mark_] - copied_);
-      result_.marks.push_back(result_.text.size());
-      result_.text += dialect_.numbered_marks ? "$" + std::to_string(next_mark_ + 1) : "?";
+      const std::string mark = dialect_.numbered_marks ? "$" + std::to_string(next_mark_ + 1) : "?";
+      result_.marks.push_back({.begin = result_.text.size(),
+                               .size = mark.size(),
+                               .negative = next_mark_ < negative_marks_.size() && negative_marks_[next_mark_],
+                               .in_condition = outline_.marks_in_conditions()[next_mark_]});
+      result_.text += mark;
       copied_ = marks_[next_mark_] + 1;
     }
     if (end <= copied_) return;
@@ -378,9 +508,11 @@ class Rewriter {
   const Dialect& dialect_;
   TableKeys& keys_;
   Outline outline_;
+  NamePlaces places_;
   Rewritten result_;
   std::vector<Edit> edits_;
   std::vector<std::size_t> marks_;
+  std::vector<bool> negative_marks_;
   std::size_t next_mark_ = 0;
   std::size_t copied_ = 0;
 };
@@ -389,6 +521,26 @@ class Rewriter {
 
 Rewritten Rewrite(std::string_view shape, const Dialect& dialect, TableKeys& keys) {
   return Rewriter(shape, dialect, keys).Run();
+}
+
+std::string WithLiterals(const Rewritten& rewritten, const std::vector<Literal>& literals, const Dialect& dialect) {
+  std::string text;
+  std::string content;
+  std::size_t copied = 0;
+  for (std::size_t i = 0; i < literals.size(); ++i) {
+    const Mark& mark = rewritten.marks[i];
+    text.append(rewritten.text, copied, mark.begin - copied);
+    if (mark.negative) text += '-';
+    if (IsText(literals[i])) {
+      content.clear();
+      AppendUnquoted(literals[i], content);
+      text += QuotedText(dialect, content);
+    } else {
+      text += literals[i].source;
+    }
+    copied = mark.begin + mark.size;
+  }
+  return text.append(rewritten.text, copied);
 }
 
 std::string UnquotedName(std::string_view name) {

@@ -20,7 +20,7 @@ ShapePattern::ShapePattern(const ScannedText& scanned) {
   std::size_t source_end = 0;
   const char* const text = scanned.text.data();
   for (const Literal& literal : scanned.literals) {
-    const bool is_text = literal.kind == Literal::Kind::kText || literal.kind == Literal::Kind::kTextWithQuotes;
+    const bool is_text = IsText(literal);
     const std::size_t quote = is_text ? 1 : 0;
     if (!is_text && !IsDigit(literal.source.front())) return;
     const auto source_begin = static_cast<std::size_t>(literal.source.data() - text);

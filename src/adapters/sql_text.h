@@ -28,6 +28,10 @@ struct Literal {
   std::string_view source;
 };
 
+[[nodiscard]] constexpr bool IsText(const Literal& literal) {
+  return literal.kind == Literal::Kind::kText || literal.kind == Literal::Kind::kTextWithQuotes;
+}
+
 /// The text's content when it is a text literal: doubled quotes halved, appended to `out`.
 void AppendUnquoted(const Literal& literal, std::string& out);
 

@@ -36,7 +36,8 @@ void Set(sqlite3* database, const std::string& path, const char* statements) {
 
 }  // namespace
 
-SqliteDatabase::SqliteDatabase(const std::string& path, OpenMode mode, Synchronous synchronous) {
+SqliteDatabase::SqliteDatabase(const std::string& path, OpenMode mode, Synchronous synchronous)
+    : EngineDatabase(SqliteDialect()), keys_(dialect()) {
   const bool in_memory = path.empty();
   if (!in_memory) CheckPath(path, mode);
   // A connection and its row sets belong to one thread at a time: the engine need not lock.
@@ -50,6 +51,7 @@ SqliteDatabase::SqliteDatabase(const std::string& path, OpenMode mode, Synchrono
   if (result != SQLITE_OK) {
     Fail(path, opened == nullptr ? sqlite3_errstr(result) : sqlite3_errmsg(opened), std::to_string(result));
   }
+  keys_.Ask(opened);
   sqlite3_extended_result_codes(opened, 1);
   sqlite3_busy_timeout(opened, kBusyMilliseconds);
   sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);

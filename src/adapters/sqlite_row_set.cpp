@@ -5,13 +5,13 @@
 #include <utility>
 
 #include "adapters/sqlite_database.h"
-#include "talm_flow/text.h"
 
 namespace talm_flow::adapters {
 
 SqliteRowSet::SqliteRowSet(SqliteDatabase& database, std::shared_ptr<SqliteShape> shape,
                            std::unique_ptr<SqliteHandle> handle, bool has_row)
-    : database_(database),
+    : AddingRowSet(database),
+      database_(database),
       shape_(std::move(shape)),
       columns_(shape_->columns),
       handle_(std::move(handle)),
@@ -73,7 +73,7 @@ void SqliteRowSet::RequireRow() const {
 Value SqliteRowSet::Field(std::string_view name) const {
   RequireRow();
   const std::size_t index = columns_->Find(name);
-  if (index == SqliteColumns::kNone) throw DatabaseError("no such column: " + std::string(name), StatementText());
+  if (index == ColumnNames::kNone) throw DatabaseError("no such column: " + std::string(name), StatementText());
   return state_ == State::kReading ? ColumnValue(handle_->statement.get(), index) : values_[row_begin_ + index];
 }
 
@@ -85,49 +85,11 @@ Value SqliteRowSet::FieldAt(std::size_t index) const {
   return state_ == State::kReading ? ColumnValue(handle_->statement.get(), index) : values_[row_begin_ + index];
 }
 
-void SqliteRowSet::AddNew() {
-  if (closed_) throw DatabaseError("the row set is closed");
-  if (shape_->rewritten.table.name.empty()) throw DatabaseError("rows can be added to a query of one table only");
-  new_row_.emplace();
-}
-
-SqliteNewField& SqliteRowSet::FieldOfNewRow(std::string_view name) {
-  if (!new_row_) throw DatabaseError("no new row was begun");
-  for (SqliteNewField& field : *new_row_) {
-    if (EqualIgnoringAsciiCase(field.name, name)) return field;
-  }
-  if (!database_.HasColumn(shape_->rewritten.table, name)) {
-    throw DatabaseError("no such column: " + std::string(name));
-  }
-  SqliteNewField& added = new_row_->emplace_back();
-  added.name = name;
-  return added;
-}
-
-void SqliteRowSet::SetField(std::string_view name, const Value& value) {
-  SqliteNewField& field = FieldOfNewRow(name);
-  field.value = value;
-  field.binary = false;
-}
-
-void SqliteRowSet::SetBinary(std::string_view name, std::string_view bytes) {
-  SqliteNewField& field = FieldOfNewRow(name);
-  field.value = bytes;
-  field.binary = true;
-}
-
-void SqliteRowSet::Update() {
-  if (!new_row_) throw DatabaseError("no new row was begun");
-  database_.InsertRow(shape_->rewritten.table, *new_row_);
-  new_row_.reset();
-}
-
 void SqliteRowSet::Close() {
   Release();
   state_ = State::kAtEnd;
-  closed_ = true;
   values_ = {};
-  new_row_.reset();
+  EndAdding();
 }
 
 }  // namespace talm_flow::adapters

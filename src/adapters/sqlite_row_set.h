@@ -7,23 +7,16 @@
 #include <string_view>
 #include <vector>
 
+#include "adapters/row_sets.h"
 #include "adapters/sqlite_statement.h"
-#include "talm_flow/host/connection.h"
 
 namespace talm_flow::adapters {
 
 class SqliteDatabase;
 
-/// A column of a row to be added.
-struct SqliteNewField {
-  std::string name;
-  Value value;
-  bool binary = false;
-};
-
 /// The rows of one query. It reads them from the engine as it goes; before anything changes the database, the
 /// connection makes it take the rest into memory, so that it never shows what came later.
-class SqliteRowSet : public RowSet {
+class SqliteRowSet : public AddingRowSet {
  public:
   /// Takes over a handle that has been stepped: it stands on a row, or `has_row` is false and it is finished.
   SqliteRowSet(SqliteDatabase& database, std::shared_ptr<SqliteShape> shape, std::unique_ptr<SqliteHandle> handle,
@@ -39,11 +32,6 @@ class SqliteRowSet : public RowSet {
   [[nodiscard]] std::string_view ColumnName(std::size_t index) const override { return columns_->names.at(index); }
   [[nodiscard]] Value FieldAt(std::size_t index) const override;
 
-  void AddNew() override;
-  void SetField(std::string_view name, const Value& value) override;
-  void SetBinary(std::string_view name, std::string_view bytes) override;
-  void Update() override;
-
   void Close() override;
 
   /// Takes the rest of the rows into memory and lets the engine go. An error on the way is raised when the reader comes
@@ -54,24 +42,22 @@ class SqliteRowSet : public RowSet {
   friend class SqliteDatabase;
   enum class State { kReading, kInMemory, kAtEnd };
 
+  [[nodiscard]] const TableName& Table() const override { return shape_->rewritten.table; }
   /// Gives the statement back.
   void Release();
   void RequireRow() const;
-  SqliteNewField& FieldOfNewRow(std::string_view name);
   [[nodiscard]] std::string StatementText() const;
 
   SqliteDatabase& database_;
   std::shared_ptr<SqliteShape> shape_;
-  const SqliteColumns* columns_;
+  const ColumnNames* columns_;
   std::unique_ptr<SqliteHandle> handle_;  // while reading
   State state_;
   bool had_row_;
-  bool closed_ = false;
 
   std::vector<Value> values_;  // row after row, in memory
   std::size_t row_begin_ = 0;
   std::optional<DatabaseError> pending_error_;
-  std::optional<std::vector<SqliteNewField>> new_row_;
 
   // The connection's list of those that read.
   SqliteRowSet* previous_ = nullptr;

@@ -6,8 +6,6 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "talm_flow/text.h"
-
 namespace talm_flow::adapters {
 namespace {
 
@@ -36,26 +34,6 @@ void BindText(sqlite3_stmt* statement, int number, std::string_view text) {
   sqlite3_bind_text64(statement, number, text.empty() ? "" : text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
 
-/// A literal as the engine reads it inside a text. The engine takes a NUL character for the text's end.
-void AppendLiteral(const Literal& literal, std::string& out) {
-  const bool text = literal.kind == Literal::Kind::kText || literal.kind == Literal::Kind::kTextWithQuotes;
-  if (!text) {
-    out += literal.source;
-  } else if (literal.source.find('\0') == literal.source.npos) {
-    out.append("'").append(literal.source).append("'");
-  } else {
-    std::string bytes;
-    AppendUnquoted(literal, bytes);
-    out += "cast(x'";
-    for (const char c : bytes) {
-      constexpr std::string_view kDigits = "0123456789ABCDEF";
-      out += kDigits[static_cast<unsigned char>(c) >> 4];
-      out += kDigits[static_cast<unsigned char>(c) & 15];
-    }
-    out += "' as text)";
-  }
-}
-
 Value Bytes(const void* bytes, int size) {
   // An empty blob comes as a null pointer.
   return size == 0 ? std::string() : std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(size));
@@ -64,13 +42,6 @@ Value Bytes(const void* bytes, int size) {
 }  // namespace
 
 void SqliteStatementDeleter::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-
-std::size_t SqliteColumns::Find(std::string_view name) const {
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    if (names[i].size() == name.size() && (names[i] == name || EqualIgnoringAsciiCase(names[i], name))) return i;
-  }
-  return kNone;
-}
 
 void BindLiterals(SqliteHandle& handle, std::string_view text, const std::vector<Literal>& literals,
                   TextKeeper keeper) {
@@ -139,26 +110,15 @@ Value ColumnValue(sqlite3_stmt* statement, std::size_t column) {
 }
 
 void SetColumns(SqliteShape& shape, sqlite3_stmt* statement) {
-  SqliteColumns columns;
+  ColumnNames columns;
   const int count = sqlite3_column_count(statement);
   for (int i = 0; i < count; ++i) columns.names.emplace_back(sqlite3_column_name(statement, i));
   if (shape.columns != nullptr && shape.columns->names == columns.names) return;
-  shape.all_columns.push_back(std::make_unique<const SqliteColumns>(std::move(columns)));
+  shape.all_columns.push_back(std::make_unique<const ColumnNames>(std::move(columns)));
   shape.columns = shape.all_columns.back().get();
 }
 
 int RepreparationsOf(sqlite3_stmt* statement) { return sqlite3_stmt_status(statement, SQLITE_STMTSTATUS_REPREPARE, 0); }
-
-std::string WithLiterals(const Rewritten& rewritten, const std::vector<Literal>& literals) {
-  std::string text;
-  std::size_t copied = 0;
-  for (std::size_t i = 0; i < literals.size(); ++i) {
-    text.append(rewritten.text, copied, rewritten.marks[i] - copied);
-    AppendLiteral(literals[i], text);
-    copied = rewritten.marks[i] + 1;
-  }
-  return text.append(rewritten.text, copied);
-}
 
 DatabaseError ErrorOf(sqlite3* database, std::string_view text) {
   return DatabaseError(sqlite3_errmsg(database), std::string(text), std::to_string(sqlite3_extended_errcode(database)));

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "adapters/rewriter.h"
+#include "adapters/row_sets.h"
 #include "talm_flow/error.h"
 #include "talm_flow/value.h"
 
@@ -19,15 +20,6 @@ namespace talm_flow::adapters {
 
 struct SqliteStatementDeleter {
   void operator()(sqlite3_stmt* statement) const;
-};
-
-/// The names of a query's columns.
-struct SqliteColumns {
-  std::vector<std::string> names;
-
-  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-  /// In any case (ASCII). `kNone` when there is no such column.
-  [[nodiscard]] std::size_t Find(std::string_view name) const;
 };
 
 /// One prepared statement, and what its parameters are bound to.
@@ -42,9 +34,9 @@ struct SqliteHandle {
 struct SqliteShape {
   Rewritten rewritten;
   std::vector<std::unique_ptr<SqliteHandle>> idle;
-  const SqliteColumns* columns = nullptr;  ///< null for a statement without a result
+  const ColumnNames* columns = nullptr;  ///< null for a statement without a result
   /// All that row sets may still refer to. There is more than one only after another schema gave other names.
-  std::vector<std::unique_ptr<const SqliteColumns>> all_columns;
+  std::vector<std::unique_ptr<const ColumnNames>> all_columns;
 };
 
 /// Who keeps the text while a statement runs.
@@ -69,9 +61,6 @@ void SetColumns(SqliteShape& shape, sqlite3_stmt* statement);
 
 /// How often the engine prepared the statement anew by itself.
 [[nodiscard]] int RepreparationsOf(sqlite3_stmt* statement);
-
-/// The text with its literals where the marks stand.
-[[nodiscard]] std::string WithLiterals(const Rewritten& rewritten, const std::vector<Literal>& literals);
 
 /// The engine's last error.
 [[nodiscard]] DatabaseError ErrorOf(sqlite3* database, std::string_view text);

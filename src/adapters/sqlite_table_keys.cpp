@@ -9,7 +9,6 @@
 #include <string_view>
 #include <vector>
 
-#include "adapters/sqlite_schema.h"
 #include "adapters/sqlite_statement.h"
 #include "talm_flow/text.h"
 
@@ -67,7 +66,7 @@ TableKey SqliteTableKeys::Find(const TableName& table) {
     key.names.emplace_back(row_number);
   }
   if (key.order.empty()) {
-    for (const auto& [place, name] : primary) key.order.push_back(QuotedName(name));
+    for (const auto& [place, name] : primary) key.order.push_back(QuotedName(dialect_, name));
     if (primary.size() == 1) key.names.push_back(primary.begin()->second);
     return key;
   }
