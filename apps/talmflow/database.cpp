@@ -16,12 +16,13 @@ class Init : public Subcommand {
     Workspace workspace(options, Need::kAny);
     const auto missing = MissingTables(workspace, options.db);
     workspace.database().CreateTables();
+    const std::string shown = adapters::WithoutPassword(options.db);
     if (options.json) {
-      std::cout << Dump({{"database", options.db}, {"created", missing}}) << '\n';
+      std::cout << Dump({{"database", shown}, {"created", missing}}) << '\n';
     } else if (missing.empty()) {
-      std::cout << options.db << " has all tables\n";
+      std::cout << shown << " has all tables\n";
     } else {
-      std::cout << options.db << ": created " << missing.size() << " tables\n";
+      std::cout << shown << ": created " << missing.size() << " tables\n";
     }
   }
 
@@ -30,7 +31,7 @@ class Init : public Subcommand {
     try {
       return workspace.database().MissingTables();
     } catch (const DatabaseError& error) {
-      throw UserError("cannot use \"" + url + "\" as a database: " + error.what());
+      throw UserError("cannot use \"" + adapters::WithoutPassword(url) + "\" as a database: " + error.what());
     }
   }
 };
@@ -39,8 +40,10 @@ class Schema : public Subcommand {
  public:
   explicit Schema(CLI::App& parent)
       : Subcommand(parent, "schema", "Print the script that creates all tables and indexes",
-                   "talmflow schema\ntalmflow schema --dialect sqlite") {
-    app().add_option("--dialect", dialect_, "Whose dialect the script is in")->capture_default_str();
+                   "talmflow schema\ntalmflow schema --dialect postgresql") {
+    app()
+        .add_option("--dialect", dialect_, "Whose dialect the script is in: sqlite, postgresql, mariadb or tsql")
+        ->capture_default_str();
   }
 
   void Run(const GlobalOptions& options) override {

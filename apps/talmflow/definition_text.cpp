@@ -13,7 +13,7 @@
 #include "talm_flow/conversion.h"
 #include "talm_flow/host/reference_host.h"
 #include "talm_flow/in_out.h"
-#include "utf8.h"
+#include "talm_flow/text.h"
 
 namespace talm_flow::program {
 namespace {
@@ -38,7 +38,7 @@ std::string Place(const std::string& file, std::size_t line) {
 void RequireUtf8(const std::string& file, std::string_view text) {
   std::size_t line = 1;
   while (!text.empty()) {
-    const auto length = SequenceLength(text);
+    const auto length = SequenceSize(text);
     if (length == 0) throw UserError(Place(file, line) + "the text is not UTF-8");
     if (text.front() == '\n') ++line;
     text.remove_prefix(length);

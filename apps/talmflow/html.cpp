@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "utf8.h"
+#include "talm_flow/text.h"
 
 namespace talm_flow::program {
 namespace {
@@ -85,7 +85,7 @@ std::string WellFormed(std::string_view text) {
   std::string result;
   result.reserve(text.size());
   while (!text.empty()) {
-    const auto length = SequenceLength(text);
+    const auto length = SequenceSize(text);
     if (length == 0 || text.front() == '\0') {
       result += kReplacement;
       text.remove_prefix(1);

@@ -30,7 +30,7 @@ class Call : public Subcommand {
             "talmflow call Command.SeparateTableID TableID:12 null\n"
             "\nArguments are texts, in order, without the connection; null is Null, and \\null is the text null.\n"
             "The result is printed first, then the arguments that the operation takes by reference.\n"
-            "Nothing takes back what the operation wrote before an error.") {
+            "After an error nothing of what the operation wrote stays, unless --no-transaction is given.") {
     app().add_option("operation", operation_, "CLASS.OPERATION")->required();
     app().add_option("arguments", arguments_, "The operation's arguments");
   }
@@ -39,8 +39,12 @@ class Call : public Subcommand {
     const auto& operation = Operation();
     Workspace workspace(options, Need::kExisting);
     std::vector<late_bound::Argument> arguments;
-    for (const auto& word : arguments_) arguments.push_back(ArgumentOf(word));
-    auto result = late_bound::Call(operation, workspace.connection(), workspace.services(), arguments);
+    late_bound::Result result;
+    workspace.Together([&] {
+      arguments.clear();  // a call that is repeated begins with what was given
+      for (const auto& word : arguments_) arguments.push_back(ArgumentOf(word));
+      result = late_bound::Call(operation, workspace.connection(), workspace.services(), arguments);
+    });
     if (options.json) {
       Json params = Json::array();
       for (const auto& argument : arguments) params.push_back(ToJson(argument));
@@ -78,8 +82,11 @@ class Rpc : public Subcommand {
                    "talmflow --db sqlite::memory: rpc --init --trace --clock \"2026-01-31 09:30:00\"\n"
                    "echo '{\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"Name.MaxFlowID\"}' | talmflow rpc\n"
                    "\nMethods are CLASS.OPERATION with the operation's arguments by position, and Connection.Execute\n"
-                   "with one statement. With --trace every answer tells the component's statements.") {
+                   "with one statement. With --trace every answer tells the component's statements.\n"
+                   "What a failing request wrote stays, unless --all-or-nothing is given: then each request is a\n"
+                   "transaction, done again when another connection is in the way.") {
     app().add_flag("--init", init_, "Create the database, or the tables that it lacks");
+    app().add_flag("--all-or-nothing", all_or_nothing_, "Take back what a failing request wrote");
   }
 
   void Run(const GlobalOptions& options) override {
@@ -87,7 +94,8 @@ class Rpc : public Subcommand {
     quiet.trace = false;
     Workspace workspace(quiet, init_ ? Need::kAny : Need::kExisting);
     if (init_) workspace.database().CreateTables();
-    RpcSession session(workspace.database(), workspace.services(), options.trace);
+    RpcSession session(workspace.database(), workspace.services(),
+                       {.trace = options.trace, .all_or_nothing = all_or_nothing_});
     for (std::string line; std::getline(std::cin, line);) {
       if (const auto answer = session.Answer(line)) std::cout << *answer << std::endl;
     }
@@ -95,6 +103,7 @@ class Rpc : public Subcommand {
 
  private:
   bool init_ = false;
+  bool all_or_nothing_ = false;
 };
 
 }  // namespace

@@ -13,7 +13,7 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 void AddGlobalOptions(CLI::App& app, GlobalOptions& options) {
-  app.add_option("--db", options.db, "The database: sqlite:PATH or sqlite::memory:")
+  app.add_option("--db", options.db, "The database: sqlite:PATH, sqlite::memory: or postgresql://...")
       ->envname("TALMFLOW_DB")
       ->capture_default_str();
   app.add_flag("--json", options.json, "Print results as JSON");
@@ -39,6 +39,8 @@ int Run(int argc, char** argv) {
   AddGlobalOptions(app, options);
   Subcommands subcommands;
   AddDatabaseSubcommands(app, subcommands);
+  AddCopySubcommands(app, subcommands);
+  AddDoctorSubcommands(app, subcommands);
   AddFormSubcommands(app, subcommands);
   AddRecordSubcommands(app, subcommands);
   AddTransferSubcommands(app, subcommands);

@@ -3,6 +3,8 @@
 #include <new>
 #include <utility>
 
+#include "talm_flow/host/unit_of_work.h"
+
 namespace talm_flow::program {
 namespace {
 
@@ -73,9 +75,9 @@ std::vector<late_bound::Argument> Arguments(const late_bound::Operation& operati
 
 }  // namespace
 
-RpcSession::RpcSession(Connection& database, const host::Services& services, bool trace)
-    : database_(database), services_(services), trace_(trace), tracing_(database, [this](std::string_view text) {
-        if (trace_) statements_.emplace_back(text);
+RpcSession::RpcSession(adapters::Database& database, const host::Services& services, RpcOptions options)
+    : database_(database), services_(services), options_(options), tracing_(database, [this](std::string_view text) {
+        if (options_.trace) statements_.emplace_back(text);
       }) {}
 
 std::optional<std::string> RpcSession::Answer(std::string_view line) {
@@ -147,9 +149,19 @@ Json RpcSession::AnswerCall(const nlohmann::json& request) {
 }
 
 Json RpcSession::Result(const std::string& method, const nlohmann::json& params) {
-  Json result = method == "Connection.Execute" ? ExecuteText(params) : CallOperation(method, params);
-  if (trace_) result["statements"] = std::exchange(statements_, {});
+  auto result = RunMethod(method, params);
+  if (options_.trace) result["statements"] = std::exchange(statements_, {});
   return {{"result", std::move(result)}};
+}
+
+Json RpcSession::RunMethod(const std::string& method, const nlohmann::json& params) {
+  // A statement may begin or end a transaction: it is alone already.
+  if (method == "Connection.Execute") return ExecuteText(params);
+  if (!options_.all_or_nothing) return CallOperation(method, params);
+  return host::UnitOfWork(database_).Run([&] {
+    statements_.clear();
+    return CallOperation(method, params);
+  });
 }
 
 Json RpcSession::CallOperation(const std::string& method, const nlohmann::json& params) {
@@ -172,7 +184,7 @@ Json RpcSession::ExecuteText(const nlohmann::json& params) {
 }
 
 Json RpcSession::Error(int code, const std::string& message, Json data) const {
-  if (trace_) data["statements"] = statements_;
+  if (options_.trace) data["statements"] = statements_;
   Json error = {{"code", code}, {"message", message}};
   if (!data.empty()) error["data"] = std::move(data);
   return {{"error", std::move(error)}};

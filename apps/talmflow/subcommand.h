@@ -15,6 +15,7 @@ namespace talm_flow::program {
 /// What stands before the subcommand (and may stand behind it).
 struct GlobalOptions {
   std::string db = "sqlite:talmflow.db";
+  std::string db_option = "--db";  ///< as the database's URL is called on the command line
   std::string clock;
   bool json = false;
   bool trace = false;
@@ -61,6 +62,8 @@ using Subcommands = std::vector<std::unique_ptr<Subcommand>>;
 
 // Each adds the subcommands of one theme.
 void AddDatabaseSubcommands(CLI::App& parent, Subcommands& all);   // init, schema
+void AddCopySubcommands(CLI::App& parent, Subcommands& all);       // copy
+void AddDoctorSubcommands(CLI::App& parent, Subcommands& all);     // doctor
 void AddFormSubcommands(CLI::App& parent, Subcommands& all);       // form add, form list
 void AddRecordSubcommands(CLI::App& parent, Subcommands& all);     // record add, record show
 void AddTransferSubcommands(CLI::App& parent, Subcommands& all);   // import, export

@@ -18,10 +18,11 @@ std::string FileOf(std::string_view url) {
 }
 
 std::string InitCommand(const std::string& url) {
-  return url == GlobalOptions().db ? "talmflow init" : "talmflow --db \"" + url + "\" init";
+  return url == GlobalOptions().db ? "talmflow init" : "talmflow --db \"" + adapters::WithoutPassword(url) + "\" init";
 }
 
-std::unique_ptr<adapters::Database> OpenDatabase(const std::string& url, Need need) {
+std::unique_ptr<adapters::Database> OpenDatabase(const GlobalOptions& options, Need need) {
+  const auto& url = options.db;
   const auto file = FileOf(url);
   if (need != Need::kAny && !file.empty() && !std::filesystem::exists(file)) {
     throw UserError("there is no database \"" + file + "\"; create it with: " + InitCommand(url));
@@ -30,9 +31,9 @@ std::unique_ptr<adapters::Database> OpenDatabase(const std::string& url, Need ne
     const bool may_create = need == Need::kAny || file.empty();
     return adapters::Open(url, may_create ? adapters::OpenMode::kCreate : adapters::OpenMode::kExisting);
   } catch (const ArgumentError& error) {
-    throw UsageError("--db: " + std::string(error.what()));
+    throw UserError(options.db_option + ": " + error.what());
   } catch (const DatabaseError& error) {
-    throw UserError("cannot open \"" + url + "\" as a database: " + error.what());
+    throw UserError("cannot open \"" + adapters::WithoutPassword(url) + "\" as a database: " + error.what());
   }
 }
 
@@ -40,7 +41,7 @@ std::vector<std::string> MissingTables(adapters::Database& database, const std::
   try {
     return database.MissingTables();
   } catch (const DatabaseError& error) {
-    throw UserError("cannot use \"" + url + "\" as a database: " + error.what());
+    throw UserError("cannot use \"" + adapters::WithoutPassword(url) + "\" as a database: " + error.what());
   }
 }
 
@@ -51,7 +52,8 @@ void RequireTables(adapters::Database& database, const std::string& url) {
   std::string names;
   for (std::size_t i = 0; i < std::min(missing.size(), kShown); ++i) names += (i > 0 ? ", " : "") + missing[i];
   if (missing.size() > kShown) names += " and " + std::to_string(missing.size() - kShown) + " more";
-  throw UserError("the database \"" + url + "\" lacks the " + (missing.size() == 1 ? "table " : "tables ") + names +
+  throw UserError("the database \"" + adapters::WithoutPassword(url) + "\" lacks the " +
+                  (missing.size() == 1 ? "table " : "tables ") + names +
                   "; create what is missing with: " + InitCommand(url));
 }
 
@@ -86,7 +88,7 @@ Workspace::Workspace(const GlobalOptions& options, Need need)
     : trace_(options.trace),
       together_(!options.no_transaction),
       host_(HostOptions(options.clock)),
-      database_(OpenDatabase(options.db, need)),
+      database_(OpenDatabase(options, need)),
       services_(host_.services()),
       watched_(*database_, [this](std::string_view statement) { Watch(statement); }) {
   if (need == Need::kComplete) RequireTables(*database_, options.db);

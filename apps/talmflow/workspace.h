@@ -33,8 +33,8 @@ using Row = std::vector<Value>;
 
 class Workspace {
  public:
-  /// @throws UserError   the database is missing, is none, or lacks tables.
-  /// @throws UsageError  the URL or the clock's text is malformed.
+  /// @throws UserError   the URL is malformed; the database is missing, is none, or lacks tables.
+  /// @throws UsageError  the clock's text is malformed.
   Workspace(const GlobalOptions& options, Need need);
 
   [[nodiscard]] adapters::Database& database() { return *database_; }
