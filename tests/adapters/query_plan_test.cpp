@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "adapters/sqlite_database.h"
+#include "support/places.h"
 #include "support/temporary_folder.h"
 #include "support/world.h"
 #include "talm_flow/command.h"
@@ -160,7 +161,7 @@ class QueryPlanTest : public testing::Test {
 
   void RunExampleFlows() {
     for (const char* const name : {"budget_check", "leave_request", "purchase", "reminder"}) {
-      std::ifstream file(std::string(TALM_FLOW_SOURCE_DIR "/examples/flows/") + name + ".flow", std::ios::binary);
+      std::ifstream file(test::SourcePath("examples/flows/") + name + ".flow", std::ios::binary);
       const std::string definition{std::istreambuf_iterator<char>(file), {}};
       ASSERT_FALSE(definition.empty()) << name;
       ASSERT_EQ(Name(world_.services()).FlowAdd(world_.connection(), name, "kim", definition), 0) << name;

@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <string_view>
+#include <vector>
 
-#include "talm_flow/text.h"
+#include "adapters/reserved_words.h"
+#include "talm_flow/error.h"
 
 namespace talm_flow::adapters {
 namespace {
@@ -51,7 +55,8 @@ INSTANTIATE_TEST_SUITE_P(
              "select a from (select a from (select a from V limit 3) limit 2) limit 1"},
         Pair{"delete from t where a in (select Top 3 a from V)", "delete from t where a in (select a from V limit 3)"},
         Pair{"select Top 2 a from V union all select Top 3 a from V order by a",
-             "select * from (select a from V limit 2) union all select * from (select a from V limit 3) order by a"},
+             "select * from (select a from V limit 2) as limited union all "
+             "select * from (select a from V limit 3) as limited order by a"},
         Pair{"create view w as select Top 2 a from t", "create view w as select a from t limit 2"},
         Pair{"Select Top 1", "Select  limit 1"},
         Pair{"select (Select Top 1 ) from V", "select (Select  limit 1) from V"}));
@@ -156,16 +161,196 @@ TEST(RewriterTest, MarksAreFoundAgainInTheRewrittenText) {
   const Rewritten rewritten =
       RewriteShape("Select Top 1 a from t where b=? and c in (select Top 2 d from u where e=? order by f) and g=?");
   ASSERT_EQ(rewritten.marks.size(), 3U);
-  for (const std::size_t mark : rewritten.marks) EXPECT_EQ(rewritten.text.at(mark), '?');
-  EXPECT_LT(rewritten.marks[0], rewritten.marks[1]);
-  EXPECT_LT(rewritten.marks[1], rewritten.marks[2]);
+  for (const Mark& mark : rewritten.marks) EXPECT_EQ(rewritten.text.substr(mark.begin, mark.size), "?");
+  EXPECT_LT(rewritten.marks[0].begin, rewritten.marks[1].begin);
+  EXPECT_LT(rewritten.marks[1].begin, rewritten.marks[2].begin);
 }
 
-TEST(RewriterTest, MarksAreNumberedWhereTheEngineWantsIt) {
+// ---- Other dialects -------------------------------------------------------------------------------------------------
+
+Rewritten RewriteFor(const Dialect& dialect, std::string_view shape) {
   KnownKeys keys;
-  const Rewritten rewritten =
-      Rewrite("Select Top 1 a from V where b=? and c=?", {.identity = "lastval()", .numbered_marks = true}, keys);
-  EXPECT_EQ(rewritten.text, "Select a from V where b=$1 and c=$2 limit 1");
+  return Rewrite(shape, dialect, keys);
+}
+
+class PostgresqlRewriteTest : public testing::TestWithParam<Pair> {};
+
+TEST_P(PostgresqlRewriteTest, SpeaksTheEnginesDialect) {
+  EXPECT_EQ(RewriteFor(PostgresqlDialect(), GetParam().shape).text, GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Shapes, PostgresqlRewriteTest,
+    testing::Values(
+        Pair{"Select Top 1 a from V where b=? and c=?", "Select a from V where b=$1 and c=$2 limit 1"},
+        Pair{"SELECT @@IDENTITY AS ExecuteID", "SELECT lastval() AS ExecuteID"},
+        Pair{"select a from [t 1] where [B]=?", "select a from \"t 1\" where \"b\"=$1 order by \"t 1\".rowid"},
+        Pair{"select a from `T`", "select a from \"t\" order by \"t\".rowid"},
+        Pair{"select a from \"T\"", "select a from \"T\" order by \"T\".rowid"},
+        Pair{"update t set Interval=? where Condition=?", "update t set Interval=$1 where Condition=$2"},
+        Pair{"insert into t (a) values (-?)", "insert into t (a) values ($1)"},
+        Pair{"update t set a=-?, b=b-?, c=(d)-? where e>-?", "update t set a=$1, b=b-$2, c=(d)-$3 where e>$4"},
+        Pair{"delete from t where a between -? and -?", "delete from t where a between $1 and $2"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    NullOrder, PostgresqlRewriteTest,
+    testing::Values(
+        Pair{"select a from t order by a", "select a from t order by a nulls first, t.rowid"},
+        Pair{"select a from t order by a desc, b asc",
+             "select a from t order by a desc nulls last, b asc nulls first, t.rowid"},
+        Pair{"select Top 1 ID from t order by ID desc", "select ID from t order by ID desc limit 1"},
+        Pair{"select Top 2 a as ID from t order by ID",
+             "select a as ID from t order by ID nulls first, t.rowid limit 2"},
+        Pair{"select a from t order by a nulls last", "select a from t order by a nulls last, t.rowid"},
+        Pair{"select a from t, u order by lower(a) desc limit ?",
+             "select a from t, u order by lower(a) desc nulls last limit $1"},
+        Pair{"select a from V union select Top 2 b from V order by a",
+             "select a from V union select * from (select b from V limit 2) as limited order by a nulls first"},
+        Pair{"delete from t where a in (select Top 2 b from t order by b)",
+             "delete from t where a in (select b from t order by b nulls first, t.rowid limit 2)"}));
+
+TEST(DialectTest, ASignBecomesAPartOfTheParameterWhoseTypeDependsOnItsPlace) {
+  const Rewritten rewritten = RewriteFor(PostgresqlDialect(), "update t set a=-? where b=? and c-?>d");
+  ASSERT_EQ(rewritten.marks.size(), 3U);
+  EXPECT_TRUE(rewritten.marks[0].negative);
+  EXPECT_FALSE(rewritten.marks[0].in_condition);
+  EXPECT_FALSE(rewritten.marks[1].negative);
+  EXPECT_TRUE(rewritten.marks[1].in_condition);
+  EXPECT_FALSE(rewritten.marks[2].negative);
+}
+
+TEST(DialectTest, LiteralsComparedWithEachOtherStayWhereTheirPlaceDecidesTheirType) {
+  EXPECT_TRUE(RewriteFor(PostgresqlDialect(), "select a from t where ?=?").literals_inline);
+  EXPECT_TRUE(RewriteFor(PostgresqlDialect(), "select a from t where a=? and ? >= ?").literals_inline);
+  EXPECT_FALSE(RewriteFor(PostgresqlDialect(), "select a from t where a=? and b=?").literals_inline);
+  EXPECT_FALSE(RewriteFor(SqliteDialect(), "select a from t where ?=?").literals_inline);
+}
+
+TEST(DialectTest, LiteralsGoBackIntoTheTextAsTheEngineReadsThem) {
+  const auto inlined = [](const Dialect& dialect, std::string_view shape, std::vector<Literal> literals) {
+    return WithLiterals(RewriteFor(dialect, shape), literals, dialect);
+  };
+  const Literal number{Literal::Kind::kWhole, "5"};
+  const Literal quoted{Literal::Kind::kTextWithQuotes, "it''s"};
+  const Literal with_nul{Literal::Kind::kText, std::string_view("a\0b", 3)};
+  EXPECT_EQ(inlined(PostgresqlDialect(), "select -?, ?", {number, quoted}), "select -5, 'it''s'");
+  EXPECT_EQ(inlined(TsqlDialect(), "select ?, ?", {number, quoted}), "select 5, N'it''s'");
+  EXPECT_EQ(inlined(SqliteDialect(), "select ?", {with_nul}), "select cast(x'610062' as text)");
+  EXPECT_EQ(inlined(MariadbDialect(), "select ?", {with_nul}), "select cast(x'610062' as char)");
+  EXPECT_EQ(inlined(TsqlDialect(), "select ?", {with_nul}), "select (N'a'+nchar(0)+N'b')");
+  EXPECT_THROW((void)inlined(PostgresqlDialect(), "select ?", {with_nul}), DatabaseError);
+}
+
+class MariadbRewriteTest : public testing::TestWithParam<Pair> {};
+
+TEST_P(MariadbRewriteTest, SpeaksTheEnginesDialect) {
+  EXPECT_EQ(RewriteFor(MariadbDialect(), GetParam().shape).text, GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Shapes, MariadbRewriteTest,
+    testing::Values(
+        Pair{"SELECT @@IDENTITY AS ExecuteID", "SELECT last_insert_id() AS ExecuteID"},
+        Pair{"Select Top 1 Interval,Times From t Where INTERVAL=? Order By a Desc",
+             "Select `Interval`,Times From t Where `INTERVAL`=? Order By a Desc, t.rowid limit 1"},
+        Pair{"select a from [t 1] where \"b c\"=?", "select a from `t 1` where `b c`=? order by `t 1`.rowid"},
+        Pair{"update t set a=a+interval ? day", "update t set a=a+interval ? day"},
+        Pair{"delete from t where a in (select Top 100000 b From t where c=?)",
+             "delete from t where a in (select * from (select b From t where c=? order by t.rowid limit 100000) "
+             "as limited)"},
+        Pair{"update t set a=-?", "update t set a=-?"}));
+
+// Views and compound selects have no key order: what is compared is the quoting.
+INSTANTIATE_TEST_SUITE_P(
+    ReservedNames, MariadbRewriteTest,
+    testing::Values(
+        Pair{"insert into t (Key,[Range],Null,rows) values (?,null,default,?)",
+             "insert into t (`Key`,`Range`,`Null`,`rows`) values (?,null,default,?)"},
+        Pair{"update t set Key=?, Current_Date=current_date, b=f(x,Rows=?) where Condition is null",
+             "update t set `Key`=?, `Current_Date`=current_date, b=f(x,`Rows`=?) where `Condition` is null"},
+        Pair{"Select Top 1 Key From V where Lines in (select Top 2 Usage From V)",
+             "Select `Key` From V where `Lines` in (select * from (select `Usage` From V limit 2) as limited) limit 1"},
+        Pair{"select V.Order, Key as Char from V where not Long=? and a=-Float or sql between Real and Exit",
+             "select V.`Order`, `Key` as `Char` from V where not `Long`=? and a=-`Float` or `sql` between `Real` and "
+             "`Exit`"},
+        Pair{"select distinct Key from V group by Key, Desc order by Rows desc, Desc desc limit ?",
+             "select distinct `Key` from V group by `Key`, `Desc` order by `Rows` desc, `Desc` desc limit ?"},
+        Pair{"delete from t where (Call>? or Div<=Mod) and lower(Show)=?",
+             "delete from t where (`Call`>? or `Div`<=`Mod`) and lower(`Show`)=?"},
+        Pair{"select case when Key=? then Lock else Loop end from V",
+             "select case when `Key`=? then `Lock` else `Loop` end from V"},
+        Pair{"create view w as select Interval from V", "create view w as select `Interval` from V"},
+        Pair{"with c as (select Key from V) select Key from c",
+             "with c as (select `Key` from V) select `Key` from c"}));
+
+class MariadbKeywordTest : public testing::TestWithParam<const char*> {};
+
+TEST_P(MariadbKeywordTest, StaysAsItIs) { EXPECT_EQ(RewriteFor(MariadbDialect(), GetParam()).text, GetParam()); }
+
+INSTANTIATE_TEST_SUITE_P(
+    Shapes, MariadbKeywordTest,
+    testing::Values(
+        "select a from V where b is not null and c not in (?) or not exists (select a from V)",
+        "select all a from V where b > all (select a from V) and c = any (select a from V)",
+        "select distinct -a, count(distinct a), count(*) from V left join u using (a) where b=null",
+        "select cast(a as char), cast(b as decimal(5,2)), left(a,2), if(b,c,d), mod(a,b), a mod b, a div b from V",
+        "select case a when b then null else true end, current_date, utc_date() from V",
+        "select a, row_number() over (partition by a order by b rows between 1 preceding and current row) from V",
+        "insert into t values (default,null,?) on duplicate key update a=values(a)",
+        "update t set a=default, b=null, c=current_timestamp, d=a+interval ? day where e between f and ?",
+        "select a from V union all select b from V order by a asc, b desc",
+        "select trim(both from a), trim(leading b from a) from V where a like b and binary c=d",
+        "select a from V where a=(select max(b) from V) for update", "delete from t where a regexp b xor c rlike d",
+        "create table w (Order int, primary key (a), unique key k (b), check (c))", "alter table t add index i (a)",
+        "grant select, insert, update on t to u", "show keys from t"));
+
+INSTANTIATE_TEST_SUITE_P(
+    ReservedNames, PostgresqlRewriteTest,
+    testing::Values(
+        Pair{"insert into t (User,Desc,End,Current_User) values (?,null,default,current_user)",
+             "insert into t (\"user\",\"desc\",\"end\",\"current_user\") values ($1,null,default,current_user)"},
+        Pair{"update t set User=?, Session_User=session_user where Analyze=?",
+             "update t set \"user\"=$1, \"session_user\"=session_user where \"analyze\"=$2"},
+        Pair{"Select Top 1 User From V where Do=? and V.Column>Freeze",
+             "Select \"user\" From V where \"do\"=$1 and V.\"column\">\"freeze\" limit 1"},
+        Pair{"select User from V order by User desc, Verbose",
+             "select \"user\" from V order by \"user\" desc nulls last, \"verbose\" nulls first"},
+        Pair{"select a from V where b is distinct from c and d is not null and e similar to f collate \"C\"",
+             "select a from V where b is distinct from c and d is not null and e similar to f collate \"C\""},
+        Pair{"select count(*) filter (where a), cast(null as text), current_date from V full join u on true",
+             "select count(*) filter (where a), cast(null as text), current_date from V full join u on true"},
+        Pair{"insert into t (a) values (?) on conflict do nothing",
+             "insert into t (a) values ($1) on conflict do nothing"}));
+
+TEST(ReservedWordsTest, AreFoundInAnyCase) {
+  EXPECT_TRUE(IsReserved(kMariadbReserved, "Interval"));
+  EXPECT_TRUE(IsReserved(kPostgresqlReserved, "USER"));
+  EXPECT_FALSE(IsReserved(kPostgresqlReserved, "Interval"));
+  EXPECT_FALSE(IsReserved(kMariadbReserved, "Times"));
+  EXPECT_TRUE(std::is_sorted(kMariadbReserved.begin(), kMariadbReserved.end()));
+  EXPECT_TRUE(std::is_sorted(kPostgresqlReserved.begin(), kPostgresqlReserved.end()));
+}
+
+TEST(DialectTest, TextsOfTheirOwnDialectGoThroughUntouched) {
+  for (const std::string_view shape :
+       {"Select Top 1 [a] from t where b=? order by c", "SELECT @@IDENTITY AS ExecuteID",
+        "delete from t where a in (select Top 3 b from u)", "update t set a=-?, Interval=?"}) {
+    EXPECT_EQ(RewriteFor(TsqlDialect(), shape).text, shape);
+  }
+  EXPECT_EQ(RewriteFor(TsqlDialect(), "Select top 1 * From TableFile").table.name, "TableFile");
+  EXPECT_EQ(RewriteFor(TsqlDialect(), "select a from t where b=?").marks.size(), 1U);
+}
+
+TEST(DialectTest, NamesAreQuotedInTheEnginesWay) {
+  EXPECT_EQ(QuotedName(SqliteDialect(), "a \"b\""), "\"a \"\"b\"\"\"");
+  EXPECT_EQ(QuotedName(PostgresqlDialect(), "DataAppÄ"), "\"dataappÄ\"");
+  EXPECT_EQ(QuotedName(MariadbDialect(), "a`b"), "`a``b`");
+  EXPECT_EQ(QuotedName(TsqlDialect(), "a]b"), "[a]]b]");
+}
+
+TEST(DialectTest, DialectsAreKnownByName) {
+  for (const char* const name : {"sqlite", "postgresql", "mariadb", "tsql"}) EXPECT_EQ(DialectNamed(name).name, name);
+  EXPECT_THROW((void)DialectNamed("sql"), ArgumentError);
 }
 
 TEST(RewriterTest, TheTableOfAPlainQueryIsKnown) {
@@ -186,6 +371,12 @@ TEST(RewriterTest, TenThousandNestedSelectsAreRewrittenWithoutRecursion) {
     text = "(select b from V where c=" + text + " limit 1)";
   }
   EXPECT_EQ(RewriteShape("delete from t where d=" + shape).text, "delete from t where d=" + text);
+}
+
+TEST(RewriterTest, ASelectBeginsWhereTheOneBeforeItHasNoEnd) {
+  EXPECT_EQ(RewriteShape("select a from t select Top 3 b from u").text,
+            "select a from t order by t.rowid select b from u order by u.rowid limit 3");
+  EXPECT_EQ(RewriteShape("select a from t select").text, "select a from t order by t.rowid select");
 }
 
 TEST(RewriterTest, UnbalancedParenthesesAreLeftToTheEngine) {

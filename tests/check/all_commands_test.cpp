@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "support/definitions.h"
+#include "support/places.h"
+#include "support/rows.h"
 #include "support/run_program.h"
 #include "support/world.h"
 #include "talm_flow/command.h"
@@ -23,7 +25,7 @@ constexpr int kBudgetCheck = 1;
 constexpr int kAllCommands = 2;
 constexpr int kParent = 3;
 
-std::string SourceFile(const std::string& path) { return ReadFile(std::string(TALM_FLOW_SOURCE_DIR) + "/" + path); }
+std::string SourceFile(const std::string& path) { return ReadFile(SourcePath(path)); }
 
 struct TableRows {
   std::string columns;
@@ -33,8 +35,7 @@ struct TableRows {
 /// Every table, by name.
 std::map<std::string, TableRows> Tables(World& world) {
   std::map<std::string, TableRows> tables;
-  for (const auto& name :
-       world.Rows("select name from sqlite_master where type='table' and name not like 'sqlite_%'")) {
+  for (const auto& name : TableNames(world.database())) {
     auto& table = tables[name];
     const auto rows = world.database().Open("select * from " + name);
     for (std::size_t i = 0; i < rows->ColumnCount(); ++i) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "support/definitions.h"
+#include "support/places.h"
 #include "support/run_program.h"
 #include "support/world.h"
 #include "talm_flow/command_catalogue.h"
@@ -27,7 +28,7 @@ std::string CodesOfStep(std::string_view command, std::string_view parameters) {
 
 TEST(DefinitionCheckTest, TheExampleFlowsGiveNoFindings) {
   int flows = 0;
-  for (const auto& file : std::filesystem::directory_iterator(std::string(TALM_FLOW_SOURCE_DIR) + "/examples/flows")) {
+  for (const auto& file : std::filesystem::directory_iterator(SourcePath("examples/flows"))) {
     EXPECT_EQ(CodesOf(ReadFile(file.path())), "") << file.path();
     ++flows;
   }

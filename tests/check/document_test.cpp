@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/definitions.h"
+#include "support/places.h"
 #include "support/run_program.h"
 #include "support/world.h"
 #include "talm_flow/in_out.h"
@@ -23,7 +24,7 @@ struct Example {
   std::size_t line = 0;
 };
 
-std::string Document() { return ReadFile(std::string(TALM_FLOW_SOURCE_DIR) + "/docs/checks.md"); }
+std::string Document() { return ReadFile(SourcePath("docs/checks.md")); }
 
 /// The text between two marks, when the line has both.
 std::optional<std::string> Between(const std::string& line, std::string_view begin, std::string_view end) {

@@ -436,23 +436,26 @@ TEST_F(FlowControlTest, AFailingStatementReachesTheCallerFromEveryCommand) {
       [](Command& c, InvocationContext& x) { (void)c.C_18(x); }, [](Command& c, InvocationContext& x) { c.C_70(x); },
       [](Command& c, InvocationContext& x) { c.C_73(x); },       [](Command& c, InvocationContext& x) { c.C_74(x); },
       [](Command& c, InvocationContext& x) { c.C_86(x); }};
+  auto& transaction = world_.database();
+  transaction.Begin();
   for (std::size_t i = 0; i < operations.size(); ++i) {
-    world_.Run("savepoint before");
+    transaction.SetSavepoint();
     FailingConnection counting(world_.connection(), 0);
     auto context = call_.On(counting);
     operations[i](command_, context);
     const std::size_t count = counting.count();
     EXPECT_GT(count, 0U);
-    world_.Run("rollback to before");
+    transaction.RollbackToSavepoint();
     for (std::size_t failing = 1; failing <= count; ++failing) {
+      transaction.SetSavepoint();
       FailingConnection connection(world_.connection(), failing);
       auto failing_context = call_.On(connection);
       EXPECT_THROW(operations[i](command_, failing_context), DatabaseError) << "operation " << i << " at " << failing;
       EXPECT_EQ(connection.count(), failing);
-      world_.Run("rollback to before");
+      transaction.RollbackToSavepoint();
     }
-    world_.Run("release before");
   }
+  transaction.Rollback();
 }
 
 }  // namespace

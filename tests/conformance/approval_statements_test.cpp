@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "office.h"
+#include "support/databases.h"
 #include "talm_flow/text.h"
 
 namespace talm_flow::bench {
@@ -25,7 +26,9 @@ struct Counts {
 
 class ApprovalStatementsTest : public testing::Test {
  protected:
-  ApprovalStatementsTest() : office_("sqlite::memory:") { office_.AddApprovalFlow(kFlow); }
+  ApprovalStatementsTest() : database_(test::ChosenDatabase()), office_(database_.url()) {
+    office_.AddApprovalFlow(kFlow);
+  }
 
   Counts Count(const std::function<void(Connection&)>& body) {
     Counts counts;
@@ -36,6 +39,7 @@ class ApprovalStatementsTest : public testing::Test {
     return counts;
   }
 
+  test::CleanDatabase database_;
   Office office_;
 };
 

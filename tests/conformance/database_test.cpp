@@ -1,4 +1,4 @@
-/// What every database shows, whichever engine is behind the connection. A further one is one more line below.
+/// What every database shows, whichever engine is behind the connection.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "support/databases.h"
 #include "support/rows.h"
-#include "support/temporary_folder.h"
 #include "support/world.h"
 #include "talm_flow/adapters/database.h"
 #include "talm_flow/error.h"
@@ -23,31 +23,16 @@ using test::RowsOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-struct Place {
-  const char* name;
-  const char* url;  ///< "FOLDER" stands for a folder that the test makes
-};
-
-class DatabaseTest : public testing::TestWithParam<Place> {
+class DatabaseTest : public testing::TestWithParam<std::string> {
  protected:
-  DatabaseTest() {
-    std::string url = GetParam().url;
-    if (const std::size_t at = url.find("FOLDER"); at != url.npos) url.replace(at, 6, folder_.File(""));
-    database_ = Open(url);
-    database_->CreateTables();
-  }
-
   void Run(const std::string& statement) { (void)database_->Execute(statement); }
   [[nodiscard]] std::vector<std::string> Rows(const std::string& query) { return RowsOf(*database_, query); }
 
-  test::TemporaryFolder folder_;
-  std::unique_ptr<Database> database_;
+  test::CleanDatabase database_{GetParam()};
 };
 
-INSTANTIATE_TEST_SUITE_P(Databases, DatabaseTest,
-                         testing::Values(Place{"SqliteInMemory", "sqlite::memory:"},
-                                         Place{"SqliteFile", "sqlite:FOLDERflow.db"}),
-                         [](const auto& place) { return std::string(place.param.name); });
+INSTANTIATE_TEST_SUITE_P(Databases, DatabaseTest, testing::ValuesIn(test::DatabasesToCover()),
+                         [](const auto& database) { return database.param; });
 
 // ---- Keys and limits ------------------------------------------------------------------------------------------------
 
@@ -126,7 +111,7 @@ TEST_P(DatabaseTest, TextsAreComparedWithTheirCase) {
 TEST_P(DatabaseTest, TextsComeBackAsTheyWereStored) {
   for (const std::string& text :
        {std::string("'"), std::string("O''Brien; -- ? :x @y $1 \\' \" ` [ ]"), std::string("系统 \xF0\x9F\x98\x80"),
-        std::string("\r\n\t"), std::string(100000, '\''), std::string()}) {
+        std::string("流程变量"), std::string("\r\n\t"), std::string(100000, '\''), std::string()}) {
     Run("insert into WorkFlowVariable (VariableName,VariableValue) values ('v'," + Literal(text) + ")");
     const auto rows =
         database_->Open("Select Top 1 VariableValue From WorkFlowVariable Where VariableValue=" + Literal(text));

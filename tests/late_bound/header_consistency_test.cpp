@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 
+#include "support/places.h"
 #include "talm_flow/late_bound.h"
 
 namespace talm_flow::late_bound {
@@ -19,7 +20,7 @@ struct Declared {
 };
 
 std::string ClassText(const std::string& class_name, const std::string& header) {
-  std::ifstream file(TALM_FLOW_SOURCE_DIR "/include/talm_flow/" + header);
+  std::ifstream file(test::SourcePath("include/talm_flow/" + header));
   std::ostringstream text;
   text << file.rdbuf();
   const auto bare = std::regex_replace(text.str(), std::regex("//[^\n]*"), "");

@@ -1,4 +1,5 @@
 #include "program/talmflow.h"
+#include "support/definitions.h"
 
 namespace talm_flow::test {
 namespace {
@@ -56,6 +57,18 @@ TEST_F(CallTest, DatabaseErrorsTellTheStatement) {
   EXPECT_THAT(
       Fail(1, {"call", "Name.FlowExists", "x"}),
       HasSubstr("the database refused the statement \"Select Top 1 FlowID from WorkFlowName Where FlowID=x\": "));
+}
+
+TEST_F(CallTest, NothingOfAFailingCallStaysUnlessItIsWanted) {
+  (void)Rows("drop table WorkFlowParameter");
+  const Words call = {"call", "Name.FlowAdd", "half", "kim", WithCrLf(Definition({{1, 0, "C_73", {"x"}}}))};
+  const auto failed = Talmflow(call);
+  EXPECT_EQ(failed.status, 1) << failed.out;
+  EXPECT_EQ(Rows("select FlowName from WorkFlowName"), nlohmann::json::parse(R"([{"FlowName":"leave"}])"));
+  Words keeping = call;
+  keeping.insert(keeping.begin(), "--no-transaction");
+  EXPECT_EQ(Talmflow(keeping).status, 1);
+  EXPECT_EQ(Rows("select FlowName from WorkFlowName").size(), 2U);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace talm_flow::test {
@@ -17,7 +18,7 @@ class CommandsTest : public testing::Test {
  protected:
   [[nodiscard]] ProgramResult Commands(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "commands");
-    return RunProgram(TALM_FLOW_PROGRAM, arguments, folder_);
+    return RunProgram(ProgramPath(), arguments, folder_);
   }
 
   TemporaryFolder folder_;
@@ -77,7 +78,7 @@ TEST_F(CommandsTest, AMisspeltNameIsAnsweredWithTheNearest) {
 TEST_F(CommandsTest, TheDocumentIsWhatTheProgramWrites) {
   const auto result = Commands({"--markdown"});
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_TRUE(ReadFile(std::string(TALM_FLOW_SOURCE_DIR) + "/docs/commands.md") == result.out)
+  EXPECT_TRUE(ReadFile(SourcePath("docs/commands.md")) == result.out)
       << "docs/commands.md is out of date; write it with: make docs";
 }
 

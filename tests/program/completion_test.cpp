@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace talm_flow::test {
@@ -20,9 +21,9 @@ using testing::Not;
 class CompletionTest : public testing::Test {
  protected:
   CompletionTest() {
-    const auto result = RunProgram(TALM_FLOW_PROGRAM, {"completion", "bash"}, folder_);
+    const auto result = RunProgram(ProgramPath(), {"completion", "bash"}, folder_);
     EXPECT_EQ(result.status, 0) << result.err;
-    WriteFile(folder_.At("script"), result.out);
+    WriteFile(folder_.File("script"), result.out);
   }
 
   /// What the shell offers for the last of the words.
@@ -80,13 +81,13 @@ TEST_F(CompletionTest, OperationsAreOffered) {
 }
 
 TEST_F(CompletionTest, TheScriptForZshLoadsTheShellsAdapterFirst) {
-  const auto result = RunProgram(TALM_FLOW_PROGRAM, {"completion", "zsh"}, folder_);
+  const auto result = RunProgram(ProgramPath(), {"completion", "zsh"}, folder_);
   EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_EQ(result.out, "autoload -U bashcompinit && bashcompinit\n" + ReadFile(folder_.At("script")));
+  EXPECT_EQ(result.out, "autoload -U bashcompinit && bashcompinit\n" + ReadFile(folder_.File("script")));
 }
 
 TEST_F(CompletionTest, OtherShellsAreRefused) {
-  const auto result = RunProgram(TALM_FLOW_PROGRAM, {"completion", "fish"}, folder_);
+  const auto result = RunProgram(ProgramPath(), {"completion", "fish"}, folder_);
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.err, "talmflow: there is no completion for the shell \"fish\", only for bash and zsh\n");
 }

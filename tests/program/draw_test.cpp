@@ -262,9 +262,8 @@ TEST_F(PictureTest, AChildFlowThatWaitsMarksTheStepThatStartedIt) {
 }
 
 TEST_F(PictureTest, ThePictureInTheDocumentsIsTheProgramsOwn) {
-  const std::string root = TALM_FLOW_SOURCE_DIR;
-  (void)Succeed({"import", root + "/examples/flows/leave_request.flow", "--name", "Leave request"});
-  EXPECT_EQ(Picture("Leave request"), ReadFile(root + "/docs/leave_request.svg"));
+  (void)Succeed({"import", SourcePath("examples/flows/leave_request.flow"), "--name", "Leave request"});
+  EXPECT_EQ(Picture("Leave request"), ReadFile(SourcePath("docs/leave_request.svg")));
 }
 
 TEST_F(PictureTest, DeepAndWideTreesAreDrawn) {

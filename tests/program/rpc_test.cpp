@@ -1,4 +1,5 @@
 #include "program/talmflow.h"
+#include "support/definitions.h"
 
 namespace talm_flow::test {
 namespace {
@@ -251,6 +252,39 @@ TEST_F(RpcTest, ADatabaseFileIsCreatedOnlyWhenItIsAskedFor) {
 TEST_F(RpcTest, WithoutInitADatabaseInMemoryIsEmpty) {
   const auto out = Succeed({"--db", "sqlite::memory:", "rpc"}, Request("Name.MaxFlowID", json::array()));
   EXPECT_EQ(json::parse(out)["error"]["data"]["kind"], "DatabaseError");
+}
+
+// ---- What a failing request leaves ------------------------------------------------------------------------------------
+
+/// A request that writes a row and then fails, and one that looks for the row.
+std::string FailingRequest() {
+  return Request("Connection.Execute", {"drop table WorkFlowConstruction"}) +
+         Request("Name.FlowAdd", {"half", "kim", WithCrLf(Definition({{1, 0, "C_17"}}))}) +
+         Request("Name.MaxFlowID", json::array());
+}
+
+TEST_F(RpcTest, WhatAFailingRequestWroteStays) {
+  const auto answers = Session(FailingRequest());
+  ASSERT_EQ(answers.size(), 3U);
+  EXPECT_TRUE(answers[1].contains("error"));
+  EXPECT_EQ(answers[2]["result"]["value"], 1);
+}
+
+TEST_F(RpcTest, RequestsCanBeAllOrNothing) {
+  const auto answers = Session(FailingRequest(), {"--all-or-nothing"});
+  ASSERT_EQ(answers.size(), 3U);
+  EXPECT_EQ(answers[1]["error"]["data"]["kind"], "DatabaseError");
+  EXPECT_EQ(answers[2]["result"]["value"], 0);
+}
+
+TEST_F(RpcTest, AllOrNothingRequestsGoIntoTheCallersTransaction) {
+  const auto answers =
+      Session(Request("Connection.Execute", {"begin"}) + Request("Name.Add", {"a", "kim", ""}) +
+                  Request("Connection.Execute", {"rollback"}) + Request("Name.MaxFlowID", json::array()),
+              {"--all-or-nothing", "--trace"});
+  ASSERT_EQ(answers.size(), 4U);
+  EXPECT_THAT(answers[1]["result"]["statements"].dump(), HasSubstr("WorkFlowName"));
+  EXPECT_EQ(answers[3]["result"]["value"], 0);
 }
 
 }  // namespace

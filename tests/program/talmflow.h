@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "support/places.h"
 #include "support/run_program.h"
 
 namespace talm_flow::test {
@@ -22,7 +23,7 @@ class TalmflowTest : public testing::Test {
                                        std::vector<std::string> environment = {}) const {
     environment.emplace_back("USER=kim");
     environment.emplace_back("TALMFLOW_DB=");
-    return RunProgram(TALM_FLOW_PROGRAM, words, folder_, input, environment);
+    return RunProgram(ProgramPath(), words, folder_, input, environment);
   }
 
   /// What it prints when it succeeds without a complaint.
@@ -65,6 +66,7 @@ class TalmflowTest : public testing::Test {
 
   void Write(const std::string& name, std::string_view bytes) const { WriteFile(folder_.path() / name, bytes); }
   [[nodiscard]] std::string Read(const std::string& name) const { return ReadFile(folder_.path() / name); }
+  [[nodiscard]] std::string At(std::string_view name) const { return folder_.File(name); }
   [[nodiscard]] bool Exists(const std::string& name) const { return std::filesystem::exists(folder_.path() / name); }
 
  private:

@@ -1,4 +1,5 @@
 #include "program/talmflow.h"
+#include "talm_flow/adapters/database.h"
 
 namespace talm_flow::test {
 namespace {
@@ -42,7 +43,12 @@ TEST_F(UsageTest, WrongUsageEndsWithStatusTwo) {
   (void)Fail(2, {"show", "1", "2"});
   EXPECT_THAT(Fail(2, {"--clock", "noon", "flows"}), HasSubstr("\"noon\" is no date and time"));
   EXPECT_THAT(Fail(2, {"schema", "--dialect", "klingon"}), HasSubstr("klingon"));
-  EXPECT_THAT(Fail(2, {"--db", "cobol:x", "flows"}), HasSubstr("--db: "));
+}
+
+TEST_F(UsageTest, ADatabaseThatCannotBeReachedEndsWithStatusOne) {
+  EXPECT_THAT(Fail(1, {"--db", "cobol:x", "flows"}), testing::AllOf(HasSubstr("--db: "), HasSubstr("\"cobol\"")));
+  EXPECT_THAT(Fail(1, {"--db", "sqlite:", "flows"}), HasSubstr("names no file"));
+  EXPECT_THAT(Fail(1, {"--db", "nothing", "flows"}), HasSubstr("is no database URL"));
 }
 
 TEST_F(UsageTest, AMissingDatabaseIsNamedWithTheCommandThatCreatesIt) {
@@ -107,7 +113,7 @@ TEST_F(UsageTest, InitCreatesTheTablesOnce) {
 }
 
 TEST_F(UsageTest, TheEnvironmentNamesTheDatabaseUnlessTheCommandLineDoes) {
-  const auto result = RunProgram(TALM_FLOW_PROGRAM, {"init"}, TemporaryFolder(), {}, {"TALMFLOW_DB=sqlite::memory:"});
+  const auto result = RunProgram(ProgramPath(), {"init"}, TemporaryFolder(), {}, {"TALMFLOW_DB=sqlite::memory:"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.out, StartsWith("sqlite::memory:: created"));
 }
@@ -118,6 +124,15 @@ TEST_F(UsageTest, TheSchemaIsAScript) {
   EXPECT_EQ(Succeed({"schema", "--dialect", "sqlite"}), script);
   EXPECT_EQ(SucceedJson({"schema"})["script"], script);
   EXPECT_FALSE(Exists("talmflow.db"));
+}
+
+TEST_F(UsageTest, TheSchemaIsPrintedInEachDialect) {
+  for (const char* const dialect : {"sqlite", "postgresql", "mariadb", "tsql"}) {
+    const auto script = Succeed({"schema", "--dialect", dialect});
+    EXPECT_EQ(script, adapters::SchemaScript(dialect));
+    EXPECT_EQ(SucceedJson({"schema", "--dialect", dialect}),
+              (nlohmann::json{{"dialect", dialect}, {"script", script}}));
+  }
 }
 
 TEST_F(UsageTest, OutputThatIsNoTerminalHasNoColours) {

@@ -34,4 +34,28 @@ namespace talm_flow::test {
   return RemainingRows(*rows);
 }
 
+/// The tables of a complete installation and of the forms that are registered, as the schema spells them, by name.
+[[nodiscard]] std::vector<std::string> TableNames(Connection& connection);
+
+/// Every row of every table, a line each below the table's name, in the order of the keys, with texts as literals. Two
+/// dumps are equal when the databases hold the same rows with the same keys.
+class Dumper {
+ public:
+  /// @param connection  outlives this object; tables that appear later are not dumped.
+  explicit Dumper(Connection& connection);
+
+  [[nodiscard]] std::string Dump() const;
+
+ private:
+  struct Table {
+    std::string name;
+    std::string query;  ///< gives all rows
+  };
+
+  Connection& connection_;
+  std::vector<Table> tables_;
+};
+
+[[nodiscard]] inline std::string Dump(Connection& connection) { return Dumper(connection).Dump(); }
+
 }  // namespace talm_flow::test

@@ -9,7 +9,6 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
-#include <system_error>
 
 namespace talm_flow::test {
 namespace {
@@ -18,7 +17,7 @@ namespace {
 [[noreturn]] void BecomeProgram(const TemporaryFolder& folder, const TemporaryFolder& streams, char* const* arguments,
                                 char* const* environment) {
   const auto redirect = [&](const char* name, int flags, int to) {
-    const int file = open(streams.At(name).c_str(), flags, 0600);
+    const int file = open(streams.File(name).c_str(), flags, 0600);
     if (file < 0 || dup2(file, to) < 0) _exit(127);
   };
   redirect("in", O_RDONLY, STDIN_FILENO);
@@ -50,22 +49,11 @@ std::vector<std::string> Environment(const std::vector<std::string>& changes) {
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() {
-  auto pattern = (std::filesystem::temp_directory_path() / "talm_flow_XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder can be made");
-  path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
 ProgramResult RunProgram(const std::string& program, const std::vector<std::string>& arguments,
                          const TemporaryFolder& folder, std::string_view input,
                          const std::vector<std::string>& environment) {
   const TemporaryFolder streams;
-  WriteFile(streams.At("in"), input);
+  WriteFile(streams.File("in"), input);
   std::vector<std::string> words = {program};
   words.insert(words.end(), arguments.begin(), arguments.end());
   auto variables = Environment(environment);
@@ -78,8 +66,8 @@ ProgramResult RunProgram(const std::string& program, const std::vector<std::stri
   while (waitpid(child, &status, 0) < 0) {
     if (errno != EINTR) throw std::runtime_error("the process is lost");
   }
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadFile(streams.At("out")),
-          ReadFile(streams.At("err"))};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadFile(streams.File("out")),
+          ReadFile(streams.File("err"))};
 }
 
 std::string ReadFile(const std::filesystem::path& path) {

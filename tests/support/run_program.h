@@ -7,27 +7,14 @@
 #include <string_view>
 #include <vector>
 
+#include "support/temporary_folder.h"
+
 namespace talm_flow::test {
 
 struct ProgramResult {
   int status = -1;  ///< exit status; 128 + the signal's number when a signal ended it
   std::string out;
   std::string err;
-};
-
-/// A new empty folder that is removed with everything in it.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder();
-
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-  [[nodiscard]] std::string At(std::string_view name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
 };
 
 /// Runs a program in a folder and waits for its end.

@@ -14,6 +14,7 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
   ~TemporaryFolder();
 
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
   [[nodiscard]] std::string File(std::string_view name) const { return (path_ / name).string(); }
 
  private:

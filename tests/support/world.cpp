@@ -7,11 +7,9 @@
 namespace talm_flow::test {
 
 World::World()
-    : database_(adapters::Open("sqlite::memory:")),
+    : database_(ChosenDatabase()),
       tracing_(*database_, [this](std::string_view text) { trace_.emplace_back(text); }),
-      host_({.fixed_clock = MakeDateTime(2026, 1, 31, 9, 5, 0)}) {
-  database_->CreateTables();
-}
+      host_({.fixed_clock = MakeDateTime(2026, 1, 31, 9, 5, 0)}) {}
 
 void World::Run(std::string_view statement) { (void)database_->Execute(statement); }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-/// What a test works on: a fresh database in memory with all tables, the reference host with a clock that stands still,
+/// What a test works on: a clean database with all tables (the chosen one, see support/databases.h), the reference host with a clock that stands still,
 /// and a trace of every statement that the component hands over.
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "support/databases.h"
 #include "talm_flow/adapters/database.h"
 #include "talm_flow/host/reference_host.h"
 #include "talm_flow/host/tracing_connection.h"
@@ -44,7 +44,7 @@ class World {
   void Parameter(int flow_id, int flow_no, std::string_view name, std::string_view data);
 
  private:
-  std::unique_ptr<adapters::Database> database_;
+  CleanDatabase database_;
   std::vector<std::string> trace_;
   host::TracingConnection tracing_;
   host::ReferenceHost host_;
