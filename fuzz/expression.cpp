@@ -24,7 +24,8 @@ std::string Evaluate(VariableConnection& connection, const std::string& expressi
 }
 
 /// What an expression of plain numbers, operators and parentheses gives, calculated on a list of numbers and operators.
-/// Nothing where a number between two operators is written with a sign, which reads as a further operator.
+/// Nothing where a number between two operators is written with a sign, which reads as a further operator, or where the
+/// number that an operation leaves runs into the text behind it and reads as one operand with that.
 class Calculation {
  public:
   [[nodiscard]] std::optional<std::string> Of(std::string_view expression) {
@@ -82,7 +83,7 @@ class Calculation {
     if (chosen == first || chosen + 1 == close) return group ? Leave() : Answer("缺少运算数");
     if (IsOperator((chosen - 1)->front()) || IsOperator((chosen + 1)->front())) return Leave();
     const auto value = Apply(chosen->front(), std::stod(*(chosen - 1)), std::stod(*(chosen + 1)));
-    if (!value) return Leave();
+    if (!value || RunsInto(chosen + 2, close)) return Leave();
     return Replace(chosen - 1, chosen + 2, *value);
   }
 
@@ -107,6 +108,11 @@ class Calculation {
     // Beyond, numbers are written with an exponent, whose sign is an operator.
     if (!(value >= 0 && value < 1e15 && value == std::floor(value))) return std::nullopt;
     return std::to_string(static_cast<long long>(value));
+  }
+
+  /// Whether a number before `next` is one operand with what begins there.
+  static bool RunsInto(Place next, Place close) {
+    return next != close && (!IsOperator(next->front()) || next->front() == '(');
   }
 
   bool Replace(Place begin, Place end, std::string value) {
