@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/host/services.h"
 #include "talm_flow/invocation_context.h"
@@ -23,7 +24,7 @@
 namespace talm_flow {
 
 /// Starts, resumes and ends flow instances, runs commands, and evaluates expressions.
-class Command {
+class TALM_FLOW_API Command {
  public:
   /// @param services  the host's services; what they refer to outlives this object.
   explicit Command(const host::Services& services) : services_(services) {}

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "talm_flow/export.h"
+
 namespace talm_flow {
 
 /// What happens to a step's children after its command.
@@ -30,7 +32,7 @@ enum class ParameterTaken {
 };
 
 /// One parameter of a command.
-struct ParameterDescription {
+struct TALM_FLOW_API ParameterDescription {
   std::string_view title;                             ///< what it is, in a few words
   ParameterTaken taken = ParameterTaken::kEvaluated;  ///< how its text is read
   bool required = false;                              ///< without it the command does nothing that it is for
@@ -39,7 +41,7 @@ struct ParameterDescription {
 };
 
 /// One command.
-struct CommandDescription {
+struct TALM_FLOW_API CommandDescription {
   int number = 0;                                    ///< 1 to 98
   std::string_view name;                             ///< "C_1" ... "C_98"
   std::string_view title;                            ///< a few words
@@ -50,23 +52,23 @@ struct CommandDescription {
 };
 
 /// The command of that name, compared exactly; nothing for every other text.
-[[nodiscard]] std::optional<CommandDescription> DescribeCommand(std::string_view name);
+[[nodiscard]] TALM_FLOW_API std::optional<CommandDescription> DescribeCommand(std::string_view name);
 
 /// All commands, ascending by number.
-[[nodiscard]] std::vector<CommandDescription> DescribeCommands();
+[[nodiscard]] TALM_FLOW_API std::vector<CommandDescription> DescribeCommands();
 
 /// The name of the command that a misspelt text most likely means: "c_2", "C2" and "C_02" mean C_2, "C_77x" means C_77.
 /// Nothing when no command is near.
-[[nodiscard]] std::optional<std::string_view> NearestCommand(std::string_view text);
+[[nodiscard]] TALM_FLOW_API std::optional<std::string_view> NearestCommand(std::string_view text);
 
 /// What an effect means, as a sentence about the step's children.
-[[nodiscard]] std::string_view ToldEffect(const CommandDescription& command);
+[[nodiscard]] TALM_FLOW_API std::string_view ToldEffect(const CommandDescription& command);
 
 /// How a parameter is taken, in words that can stand before its note.
-[[nodiscard]] std::string_view ToldTaken(ParameterTaken taken);
+[[nodiscard]] TALM_FLOW_API std::string_view ToldTaken(ParameterTaken taken);
 
 /// A step with the command and all its parameters as lines of a definition text, the examples of the table filled in;
 /// lines end with LF. Runs as step 2 below step 1; other steps that an example names are 3, flows 4.
-[[nodiscard]] std::string ExampleStep(const CommandDescription& command);
+[[nodiscard]] TALM_FLOW_API std::string ExampleStep(const CommandDescription& command);
 
 }  // namespace talm_flow

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/host/services.h"
 #include "talm_flow/value.h"
@@ -16,7 +17,7 @@
 namespace talm_flow {
 
 /// Reads and edits the step tree of a flow, draws it, and keeps its input parameters.
-class Construction {
+class TALM_FLOW_API Construction {
  public:
   /// @param services  the host's services; what they refer to outlives this object.
   explicit Construction(const host::Services& services) : services_(services) {}

@@ -18,6 +18,7 @@
 #include <string_view>
 #include <vector>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/host/services.h"
 #include "talm_flow/value.h"
@@ -25,7 +26,7 @@
 namespace talm_flow {
 
 /// One thing that is wrong in a definition.
-struct Finding {
+struct TALM_FLOW_API Finding {
   std::string_view code;             ///< "E205": E for errors, W for warnings
   std::optional<std::int64_t> flow;  ///< not set for a text
   std::optional<std::int64_t> step;  ///< not set where no step is concerned
@@ -43,24 +44,25 @@ using Findings = std::vector<Finding>;
 
 /// Checks a stored flow, and how it and its child flows start each other.
 /// @throws DatabaseError  a query fails.
-[[nodiscard]] Findings CheckFlow(Connection& connection, const host::Services& services, const Value& flow_id);
+[[nodiscard]] TALM_FLOW_API Findings CheckFlow(Connection& connection, const host::Services& services,
+                                               const Value& flow_id);
 
 /// Checks a definition text by itself; child flows are not looked for.
-[[nodiscard]] Findings CheckDefinition(std::string_view text);
+[[nodiscard]] TALM_FLOW_API Findings CheckDefinition(std::string_view text);
 
 /// Checks a definition text that is to be loaded into a database, together with the child flows that it names there.
 /// @param flow_id  the flow that it replaces; Null for a new one.
 /// @throws DatabaseError  a query fails.
-[[nodiscard]] Findings CheckDefinition(Connection& connection, const host::Services& services, std::string_view text,
-                                       const Value& flow_id);
+[[nodiscard]] TALM_FLOW_API Findings CheckDefinition(Connection& connection, const host::Services& services,
+                                                     std::string_view text, const Value& flow_id);
 
 /// One kind of finding.
-struct CheckCode {
+struct TALM_FLOW_API CheckCode {
   std::string_view code;   ///< "E205"
   std::string_view title;  ///< what is wrong, in a few words
 };
 
 /// All kinds, ascending by number.
-[[nodiscard]] std::span<const CheckCode> CheckCodes();
+[[nodiscard]] TALM_FLOW_API std::span<const CheckCode> CheckCodes();
 
 }  // namespace talm_flow

@@ -18,6 +18,7 @@
 #include <variant>
 #include <vector>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/host/services.h"
 #include "talm_flow/value.h"
@@ -25,7 +26,7 @@
 namespace talm_flow {
 
 /// A flow in a database. What it refers to outlives the comparison.
-struct StoredFlow {
+struct TALM_FLOW_API StoredFlow {
   std::reference_wrapper<Connection> connection;          ///< reads the flow
   std::reference_wrapper<const host::Services> services;  ///< the host's
   Value flow_id;                                          ///< which flow
@@ -59,7 +60,7 @@ enum class ChangeKind {
 };
 
 /// One difference.
-struct DefinitionChange {
+struct TALM_FLOW_API DefinitionChange {
   ChangeKind kind = ChangeKind::kChanged;         ///< what happened
   DefinitionPart part = DefinitionPart::kRemark;  ///< to what
   /// The number of the step that is concerned; for `kChildOrder` the parent, 0 for the top. Empty for other parts.
@@ -79,6 +80,7 @@ using DefinitionChanges = std::vector<DefinitionChange>;
 
 /// What has to change in the first definition to give the second; nothing when they are alike.
 /// @throws DatabaseError  a query fails.
-[[nodiscard]] DefinitionChanges CompareDefinitions(const DefinitionSource& before, const DefinitionSource& after);
+[[nodiscard]] TALM_FLOW_API DefinitionChanges CompareDefinitions(const DefinitionSource& before,
+                                                                 const DefinitionSource& after);
 
 }  // namespace talm_flow

@@ -8,10 +8,12 @@
 #include <string>
 #include <utility>
 
+#include "talm_flow/export.h"
+
 namespace talm_flow {
 
 /// Base of every error that this library raises on purpose.
-class FlowError : public std::runtime_error {
+class TALM_FLOW_API FlowError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
   /// The class name, as it appears in `"data": {"kind": ...}` of a remote call.
@@ -19,7 +21,7 @@ class FlowError : public std::runtime_error {
 };
 
 /// A statement, a connection or the reading of a row failed. `what()` is the database's own message, unchanged.
-class DatabaseError : public FlowError {
+class TALM_FLOW_API DatabaseError : public FlowError {
  public:
   /// @param message    the database's own message, unchanged.
   /// @param statement  the text that failed, when one did.
@@ -38,21 +40,21 @@ class DatabaseError : public FlowError {
 };
 
 /// A value has no form in the type that was asked for: a text that is no number, Null where a text is needed.
-class ConversionError : public FlowError {
+class TALM_FLOW_API ConversionError : public FlowError {
  public:
   using FlowError::FlowError;
   [[nodiscard]] const char* Kind() const noexcept override { return "ConversionError"; }
 };
 
 /// A number or a date lies outside the range of its type, or arithmetic gave no finite number.
-class OverflowError : public FlowError {
+class TALM_FLOW_API OverflowError : public FlowError {
  public:
   using FlowError::FlowError;
   [[nodiscard]] const char* Kind() const noexcept override { return "OverflowError"; }
 };
 
 /// An expression has more than 101 tokens.
-class SubscriptError : public FlowError {
+class TALM_FLOW_API SubscriptError : public FlowError {
  public:
   using FlowError::FlowError;
   [[nodiscard]] const char* Kind() const noexcept override { return "SubscriptError"; }
@@ -61,21 +63,21 @@ class SubscriptError : public FlowError {
 /// A definition nests without end: a descent of more than 32,767 levels below the flow's start or the last jump, child
 /// flows started more than 1,000 deep inside each other, an expression rewritten more than 1,000 times, or a structure
 /// query that met a cyclic tree.
-class NestingError : public FlowError {
+class TALM_FLOW_API NestingError : public FlowError {
  public:
   using FlowError::FlowError;
   [[nodiscard]] const char* Kind() const noexcept override { return "NestingError"; }
 };
 
 /// A file could not be written, or cannot hold a text in the encoding chosen for it.
-class FileError : public FlowError {
+class TALM_FLOW_API FileError : public FlowError {
  public:
   using FlowError::FlowError;
   [[nodiscard]] const char* Kind() const noexcept override { return "FileError"; }
 };
 
 /// An argument is malformed in itself: a definition text's parameter line without ":", an unusable URL.
-class ArgumentError : public FlowError {
+class TALM_FLOW_API ArgumentError : public FlowError {
  public:
   using FlowError::FlowError;
   [[nodiscard]] const char* Kind() const noexcept override { return "ArgumentError"; }

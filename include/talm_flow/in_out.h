@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/host/services.h"
 #include "talm_flow/value.h"
@@ -16,7 +17,7 @@
 namespace talm_flow {
 
 /// Writes flow definitions as texts and loads them.
-class InOut {
+class TALM_FLOW_API InOut {
  public:
   /// @param services  the host's services; what they refer to outlives this object.
   explicit InOut(const host::Services& services) : services_(services) {}

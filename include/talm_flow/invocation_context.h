@@ -3,6 +3,7 @@
 /// @file
 /// The values that travel with every step.
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/value.h"
 
@@ -10,7 +11,7 @@ namespace talm_flow {
 
 /// The eleven values that `Command::FlowExecuteByExecuteID`, `Command::NextCommand` and every command receive, by
 /// reference, in this order. The caller owns all of them.
-struct InvocationContext {
+struct TALM_FLOW_API InvocationContext {
   Connection& ConnDB;    ///< the caller's open connection
   Value& ExecuteID;      ///< the running instance
   Value& FlowNo;         ///< the current step

@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "talm_flow/error.h"
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/host/services.h"
 #include "talm_flow/value.h"
@@ -33,7 +34,7 @@ namespace talm_flow::late_bound {
 using List = std::vector<std::string>;
 
 /// One argument: a single value, or a list of texts (`ExpressToArr` alone gives one).
-class Argument : public std::variant<Value, List> {
+class TALM_FLOW_API Argument : public std::variant<Value, List> {
  public:
   /// What an argument is made of.
   using Base = std::variant<Value, List>;
@@ -67,7 +68,7 @@ enum class Passing {
 };
 
 /// One public operation.
-struct Operation {
+struct TALM_FLOW_API Operation {
   /// Calls the operation; the arguments have been counted.
   using Thunk = Result (*)(Connection&, const host::Services&, std::span<Argument>);
 
@@ -93,40 +94,40 @@ struct Operation {
 };
 
 /// The name's class is none of the four.
-class UnknownClassError : public ArgumentError {
+class TALM_FLOW_API UnknownClassError : public ArgumentError {
  public:
   using ArgumentError::ArgumentError;
 };
 
 /// The class is known, the operation is not.
-class UnknownOperationError : public ArgumentError {
+class TALM_FLOW_API UnknownOperationError : public ArgumentError {
  public:
   using ArgumentError::ArgumentError;
 };
 
 /// Too few or too many arguments; the message names them and tells what the operation takes.
-class ArgumentCountError : public ArgumentError {
+class TALM_FLOW_API ArgumentCountError : public ArgumentError {
  public:
   using ArgumentError::ArgumentError;
 };
 
 /// All operations, class by class, in the order of their declaration.
-[[nodiscard]] std::span<const Operation> Operations();
+[[nodiscard]] TALM_FLOW_API std::span<const Operation> Operations();
 
 /// The operation of that name, or null.
-[[nodiscard]] const Operation* Find(std::string_view name);
+[[nodiscard]] TALM_FLOW_API const Operation* Find(std::string_view name);
 
 /// As `Find`. @throws UnknownClassError, UnknownOperationError
-[[nodiscard]] const Operation& Resolve(std::string_view name);
+[[nodiscard]] TALM_FLOW_API const Operation& Resolve(std::string_view name);
 
 /// Throws unless the operation takes so many arguments. @throws ArgumentCountError
-void RequireCount(const Operation& operation, std::size_t count);
+TALM_FLOW_API void RequireCount(const Operation& operation, std::size_t count);
 
 /// Calls an operation. When it throws, by-reference arguments keep what it wrote until then.
 /// @throws ArgumentCountError  too few or too many arguments.
 /// @throws ArgumentError       a list stands where a single value belongs.
 /// and whatever the operation throws.
-[[nodiscard]] Result Call(const Operation& operation, Connection& connection, const host::Services& services,
-                          std::span<Argument> arguments);
+[[nodiscard]] TALM_FLOW_API Result Call(const Operation& operation, Connection& connection,
+                                        const host::Services& services, std::span<Argument> arguments);
 
 }  // namespace talm_flow::late_bound

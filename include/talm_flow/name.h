@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/host/services.h"
 #include "talm_flow/value.h"
@@ -17,7 +18,7 @@
 namespace talm_flow {
 
 /// Lists, adds, renames, replaces and deletes flows.
-class Name {
+class TALM_FLOW_API Name {
  public:
   /// @param services  the host's services; what they refer to outlives this object.
   explicit Name(const host::Services& services) : services_(services) {}

@@ -16,6 +16,8 @@
 #include <utility>
 #include <variant>
 
+#include "talm_flow/export.h"
+
 namespace talm_flow {
 
 /// The integer types that hold numbers, not truth values or characters.
@@ -23,7 +25,7 @@ template <typename T>
 concept WholeNumber = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
 
 /// Nothing, a Boolean, a whole number, a double, or a text.
-class Value {
+class TALM_FLOW_API Value {
  public:
   /// What a value holds, in the order of the alternatives.
   enum class Kind {

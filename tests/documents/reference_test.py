@@ -53,7 +53,8 @@ class ReferenceTest(unittest.TestCase):
         self.assert_complains(run, "text.h", "Forgotten", "not documented")
 
     def test_an_undocumented_member_fails(self):
-        run = self.changed("definition_check.h", "struct Finding {", "struct Finding {\n  int forgotten = 0;")
+        run = self.changed("definition_check.h", "struct TALM_FLOW_API Finding {",
+                           "struct TALM_FLOW_API Finding {\n  int forgotten = 0;")
         self.assert_complains(run, "definition_check.h", "forgotten", "not documented")
 
     def test_an_undocumented_enumerator_fails(self):

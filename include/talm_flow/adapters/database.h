@@ -29,6 +29,7 @@
 #include <vector>
 
 #include "talm_flow/adapters/table_description.h"
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 #include "talm_flow/host/transaction.h"
 
@@ -41,7 +42,7 @@ enum class OpenMode {
 };
 
 /// A connection that an adapter opened. One thread at a time; connections of different threads are independent.
-class Database : public Connection, public host::Transaction {
+class TALM_FLOW_API Database : public Connection, public host::Transaction {
  public:
   /// Names of the tables that a complete installation has and this database lacks.
   [[nodiscard]] virtual std::vector<std::string> MissingTables() = 0;
@@ -75,14 +76,14 @@ class Database : public Connection, public host::Transaction {
 /// @throws ArgumentError  the URL is malformed, or names an unknown option or an engine that is unknown or whose adapter
 ///                        was not built.
 /// @throws DatabaseError  the database is missing (`kExisting`), cannot be opened, or is no database.
-[[nodiscard]] std::unique_ptr<Database> Open(std::string_view url, OpenMode mode = OpenMode::kCreate);
+[[nodiscard]] TALM_FLOW_API std::unique_ptr<Database> Open(std::string_view url, OpenMode mode = OpenMode::kCreate);
 
 /// The URL as it may be shown: without its password.
-[[nodiscard]] std::string WithoutPassword(std::string_view url);
+[[nodiscard]] TALM_FLOW_API std::string WithoutPassword(std::string_view url);
 
 /// The script that creates all tables and indexes in a dialect ("sqlite", "postgresql", "mariadb", "tsql"), idempotent,
 /// one statement a line.
 /// @throws ArgumentError  unknown dialect.
-[[nodiscard]] std::string SchemaScript(std::string_view dialect);
+[[nodiscard]] TALM_FLOW_API std::string SchemaScript(std::string_view dialect);
 
 }  // namespace talm_flow::adapters

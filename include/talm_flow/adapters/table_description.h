@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "talm_flow/export.h"
+
 namespace talm_flow::adapters {
 
 /// What a column holds.
@@ -20,10 +22,10 @@ enum class ColumnKind {
 };
 
 /// "integer", "floating-point number", "text", "binary", "other".
-[[nodiscard]] std::string_view Told(ColumnKind kind);
+[[nodiscard]] TALM_FLOW_API std::string_view Told(ColumnKind kind);
 
 /// One column of a table.
-struct ColumnDescription {
+struct TALM_FLOW_API ColumnDescription {
   std::string name;                      ///< as the engine spells it
   ColumnKind kind = ColumnKind::kOther;  ///< in the words above
   /// What a new row holds when an insert does not name the column; empty for Null.
@@ -31,13 +33,13 @@ struct ColumnDescription {
 };
 
 /// One index of a table.
-struct IndexDescription {
+struct TALM_FLOW_API IndexDescription {
   std::string name;                  ///< as the engine spells it
   std::vector<std::string> columns;  ///< in the index's order
 };
 
 /// One table with all that belongs to it.
-struct TableDescription {
+struct TALM_FLOW_API TableDescription {
   std::string name;                        ///< as the engine spells it
   std::string key;                         ///< the column whose numbers the database gives; empty when there is none
   std::vector<ColumnDescription> columns;  ///< without the key
@@ -50,6 +52,6 @@ struct TableDescription {
 };
 
 /// The tables of a complete installation, as `Database::CreateTables` makes them.
-[[nodiscard]] std::vector<TableDescription> CompleteTables();
+[[nodiscard]] TALM_FLOW_API std::vector<TableDescription> CompleteTables();
 
 }  // namespace talm_flow::adapters

@@ -3,12 +3,13 @@
 #include <string>
 #include <string_view>
 
+#include "talm_flow/export.h"
 #include "talm_flow/value.h"
 
 namespace talm_flow::host {
 
 /// The host's common text functions. All are pure: they reach no database.
-class CommonFunctions {
+class TALM_FLOW_API CommonFunctions {
  public:
   virtual ~CommonFunctions() = default;
 

@@ -16,13 +16,14 @@
 #include <string>
 #include <string_view>
 
+#include "talm_flow/export.h"
 #include "talm_flow/value.h"
 
 namespace talm_flow {
 
 /// The rows of one query, as they were when it was opened: rows that appear, change or vanish later are not seen.
 /// Opened before the first row when there are rows at all, a row set stands on its first row.
-class RowSet {
+class TALM_FLOW_API RowSet {
  public:
   RowSet() = default;
   RowSet(const RowSet&) = delete;
@@ -63,7 +64,7 @@ class RowSet {
 };
 
 /// An open database connection of the host.
-class Connection {
+class TALM_FLOW_API Connection {
  public:
   Connection() = default;
   Connection(const Connection&) = delete;

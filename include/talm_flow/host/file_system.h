@@ -4,10 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "talm_flow/export.h"
+
 namespace talm_flow::host {
 
 /// A text file open for writing; closed by its destruction.
-class TextStream {
+class TALM_FLOW_API TextStream {
  public:
   virtual ~TextStream() = default;
   /// Writes the text and a line end (CR LF). @throws FileError
@@ -17,7 +19,7 @@ class TextStream {
 };
 
 /// The files of the host's machine. Everything that fails raises `FileError` with the file's name and the reason.
-class FileSystem {
+class TALM_FLOW_API FileSystem {
  public:
   virtual ~FileSystem() = default;
   /// @throws FileError when the encoding in which files are written cannot hold the text; nothing is touched.

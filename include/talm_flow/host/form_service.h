@@ -5,19 +5,20 @@
 #include <string>
 #include <string_view>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 
 namespace talm_flow::host {
 
 /// One input unit of a form.
-struct InputUnit {
+struct TALM_FLOW_API InputUnit {
   std::string code;   ///< the unit's code as the form stores it
   std::string field;  ///< the column of the form's table that holds its value
   std::string type;   ///< its type name, such as "InputText"
 };
 
 /// What the host knows of the input units of its forms.
-class FormService {
+class TALM_FLOW_API FormService {
  public:
   virtual ~FormService() = default;
 

@@ -4,12 +4,13 @@
 #include <string>
 
 #include "talm_flow/conversion.h"
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 
 namespace talm_flow::host {
 
 /// What the host knows of form records (documents).
-class RecordService {
+class TALM_FLOW_API RecordService {
  public:
   virtual ~RecordService() = default;
 

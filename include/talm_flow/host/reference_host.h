@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "talm_flow/conversion.h"
+#include "talm_flow/export.h"
 #include "talm_flow/host/services.h"
 
 namespace talm_flow::host {
@@ -21,7 +22,7 @@ enum class TextEncoding {
 };
 
 /// Settings of the reference host.
-struct ReferenceHostOptions {
+struct TALM_FLOW_API ReferenceHostOptions {
   /// When set, the clock stands still at this moment.
   std::optional<DateTime> fixed_clock;
   /// Of the files that `InOut::CreateTxt` writes.
@@ -29,7 +30,7 @@ struct ReferenceHostOptions {
 };
 
 /// Owns one object a service.
-class ReferenceHost {
+class TALM_FLOW_API ReferenceHost {
  public:
   /// With the machine's clock and UTF-8 unless the options say otherwise.
   explicit ReferenceHost(ReferenceHostOptions options = {});

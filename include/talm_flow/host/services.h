@@ -1,5 +1,6 @@
 #pragma once
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/common_functions.h"
 #include "talm_flow/host/file_system.h"
 #include "talm_flow/host/form_service.h"
@@ -14,7 +15,7 @@ namespace talm_flow::host {
 /// references; they outlive the objects of the four public classes that were created with them.
 ///
 /// `ReferenceHost` (talm_flow/host/reference_host.h) offers a complete set over the same database.
-struct Services {
+struct TALM_FLOW_API Services {
   CommonFunctions& common;      ///< literals, lists and safe texts for pages
   RecordService& records;       ///< form records
   TableService& tables;         ///< form tables

@@ -4,12 +4,13 @@
 #include <optional>
 #include <string_view>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 
 namespace talm_flow::host {
 
 /// What the host knows of form tables.
-class TableService {
+class TALM_FLOW_API TableService {
  public:
   virtual ~TableService() = default;
 

@@ -4,11 +4,12 @@
 #include <string_view>
 
 #include "talm_flow/conversion.h"
+#include "talm_flow/export.h"
 
 namespace talm_flow::host {
 
 /// Formats moments for the host's date columns.
-class DateService {
+class TALM_FLOW_API DateService {
  public:
   virtual ~DateService() = default;
   /// The moment as the host's date columns hold it; goes into statements through `SqlText`.
@@ -16,7 +17,7 @@ class DateService {
 };
 
 /// Makes texts fit for a URL.
-class UrlService {
+class TALM_FLOW_API UrlService {
  public:
   virtual ~UrlService() = default;
   /// The text as it may stand in the query of a URL that stands in a double-quoted HTML attribute.
@@ -24,7 +25,7 @@ class UrlService {
 };
 
 /// The current moment: local time in whole seconds.
-class Clock {
+class TALM_FLOW_API Clock {
  public:
   virtual ~Clock() = default;
   /// The moment of the call.

@@ -8,12 +8,13 @@
 #include <string_view>
 #include <utility>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 
 namespace talm_flow::host {
 
 /// Hands everything on to another connection. One thread at a time, as that one.
-class TracingConnection : public Connection {
+class TALM_FLOW_API TracingConnection : public Connection {
  public:
   /// @param inner     runs the statements; outlives this object.
   /// @param observer  called with each text, before it runs; a text whose running fails has been told too.

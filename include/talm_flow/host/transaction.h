@@ -1,11 +1,12 @@
 #pragma once
 
 #include "talm_flow/error.h"
+#include "talm_flow/export.h"
 
 namespace talm_flow::host {
 
 /// What a unit of work needs of a connection. Every operation raises `DatabaseError` when the engine refuses it.
-class Transaction {
+class TALM_FLOW_API Transaction {
  public:
   virtual ~Transaction() = default;
 

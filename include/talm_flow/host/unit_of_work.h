@@ -21,12 +21,13 @@
 #include <type_traits>
 #include <utility>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/transaction.h"
 
 namespace talm_flow::host {
 
 /// How work that other connections disturb is done again.
-struct Repetition {
+struct TALM_FLOW_API Repetition {
   /// How long a pause is.
   using Pause = std::chrono::milliseconds;
 
@@ -42,7 +43,7 @@ struct Repetition {
 };
 
 /// Runs work in a transaction.
-class UnitOfWork {
+class TALM_FLOW_API UnitOfWork {
  public:
   /// @param transaction  of the connection that the work uses; outlives this object.
   explicit UnitOfWork(Transaction& transaction, Repetition repetition = {})

@@ -3,12 +3,13 @@
 #include <string>
 #include <string_view>
 
+#include "talm_flow/export.h"
 #include "talm_flow/host/connection.h"
 
 namespace talm_flow::host {
 
 /// Turns a person expression (names, groups) into names.
-class UserListService {
+class TALM_FLOW_API UserListService {
  public:
   virtual ~UserListService() = default;
 
