@@ -5,7 +5,7 @@ JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 120
 CMAKE_BUILD = cmake --build build --parallel $(JOBS)
 
-.PHONY: help run test test-cluster test-windows soak build bench fuzz lint format docs reference clean asan tsan valgrind
+.PHONY: help run test test-cluster test-windows soak build bench fuzz lint format docs reference clean asan tsan valgrind coverage
 
 help:  ## list the targets
 	@awk -F':.*## ' '/^[a-z-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
@@ -78,6 +78,11 @@ valgrind:  ## the program over the demonstration and every example flow, under v
 	tools/setup valgrind
 	cmake --preset release && cmake --build --preset release --target talmflow --parallel $(JOBS)
 	tools/valgrind build/bin/talmflow
+
+coverage:  ## which lines and branches of the library the tests reach
+	tools/setup test
+	tools/setup coverage
+	tools/coverage --jobs $(JOBS)
 
 test-windows:  ## build the library for Windows and drive it under Wine; what that tells is printed
 	tools/setup windows

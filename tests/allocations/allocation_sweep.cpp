@@ -2,27 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <memory>
 #include <new>
 
+#include "support/figures.h"
+
 namespace talm_flow::test {
-namespace {
-
-/// Tells how many allocations were made to fail, behind the last test.
-class Figures : public testing::Environment {
- public:
-  static void Count() { ++count; }
-  void TearDown() override { std::printf("allocations made to fail: %zu\n", count); }
-
- private:
-  static inline std::size_t count = 0;
-};
-
-[[maybe_unused]] const testing::Environment* const kFigures =
-    testing::AddGlobalTestEnvironment(std::make_unique<Figures>().release());
-
-}  // namespace
 
 void SweepAllocations(Shortage shortage, const std::function<std::string()>& call, const std::function<void()>& reset) {
   const auto undisturbed = [&] {
@@ -34,6 +18,7 @@ void SweepAllocations(Shortage shortage, const std::function<std::string()>& cal
   (void)undisturbed();
   const std::string gave = undisturbed();
   const long live = LiveBlocks();
+  std::size_t refused = 0;
   Refusal refusal = Refusal::kRaised;
   for (std::size_t failing = 1; refusal != Refusal::kNone && !testing::Test::HasFailure(); ++failing) {
     bool told = false;
@@ -48,8 +33,9 @@ void SweepAllocations(Shortage shortage, const std::function<std::string()>& cal
     EXPECT_EQ(undisturbed(), gave) << "after allocation " << failing;
     EXPECT_EQ(LiveBlocks(), live) << "a leak after allocation " << failing;
     EXPECT_EQ(told, refusal == Refusal::kRaised) << "allocation " << failing << " failed and nobody was told";
-    if (refusal != Refusal::kNone) Figures::Count();
+    if (refusal != Refusal::kNone) ++refused;
   }
+  AddToFigure("allocations_made_to_fail", refused);
 }
 
 }  // namespace talm_flow::test

@@ -9,6 +9,7 @@
 
 #include "support/definitions.h"
 #include "support/example_office.h"
+#include "support/figures.h"
 #include "support/flow_host.h"
 #include "support/html.h"
 #include "support/random_flow.h"
@@ -95,6 +96,8 @@ TEST_P(ExampleDeterminismTest, GivesTheSameStatementsAndRowsTwice) {
   EXPECT_FALSE(first.trace.empty());
   EXPECT_EQ(first.errors, 0);
   EXPECT_EQ(first, RunExample(GetParam()));
+  AddToFigure("example_flows_run_twice", 1);
+  AddToFigure("statements_compared", first.trace.size());
 }
 
 TEST(RandomFlowTest, GivesTheSameStatementsAndRowsTwice) {
@@ -112,7 +115,9 @@ TEST(RandomFlowTest, GivesTheSameStatementsAndRowsTwice) {
     }
     statements += first.trace.size();
     errors += first.errors;
+    AddToFigure("made_up_flows_run_twice", kFlowsPerSeed);
   }
+  AddToFigure("statements_compared", statements);
   for (const auto& [sign, count] : signs) EXPECT_GT(count, 10) << sign;
   // The flows do something, and hardly ever something that fails.
   EXPECT_GT(statements, std::size_t{kSeeds} * kFlowsPerSeed * 10);

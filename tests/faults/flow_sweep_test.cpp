@@ -5,9 +5,9 @@
 
 #include <string>
 
-#include "faults/figures.h"
 #include "support/example_office.h"
 #include "support/fault_sweep.h"
+#include "support/figures.h"
 #include "support/flow_host.h"
 #include "support/rows.h"
 #include "talm_flow/name.h"
@@ -43,7 +43,9 @@ TEST_P(FlowSweepTest, TellsEveryFaultAndKeepsNothingBehindIt) {
   }
   EXPECT_TRUE(host.Settle(kMostWaits));
   EXPECT_GT(visited.points, visited.statements);
-  Count(visited);
+  AddToFigure("statements_made_to_fail", visited.statements);
+  AddToFigure("failure_points_visited", visited.points);
+  AddToFigure("example_flows_swept", 1);
 
   // The calls that succeeded in between left what they leave without any fault.
   ExampleOffice undisturbed;
