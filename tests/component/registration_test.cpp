@@ -216,5 +216,22 @@ TEST_F(RegistrationTest, OnlyClassNamesLeadToFiles) {
   EXPECT_EQ(TalmCreateObject(nullptr, nullptr, nullptr), TALM_POINTER);
 }
 
+TEST_F(RegistrationTest, AClassNameHasAtMost200Characters) {
+  EXPECT_EQ(Creating(std::u16string(200, u'a').c_str()), TALM_CLASS_NOT_REGISTERED);
+  EXPECT_EQ(Creating(std::u16string(201, u'a').c_str()), TALM_BAD_CLASS_NAME);
+}
+
+TEST_F(RegistrationTest, AFileOfMoreThan16384BytesIsNotRead) {
+  constexpr std::size_t kMost = 16384;
+  std::string text = FileText("/");
+  text.insert(text.size() - 1, kMost - text.size(), 'x');
+  Write(ClassFile("TALM_Flow.Name"), text);
+  EXPECT_EQ(CreatingName(), TALM_LIBRARY_NOT_FOUND);
+  text.insert(text.size() - 1, 1, 'x');
+  Write(ClassFile("TALM_Flow.Name"), text);
+  EXPECT_EQ(CreatingName(), TALM_BAD_REGISTRATION);
+  EXPECT_THAT(message_, HasSubstr("it is too large"));
+}
+
 }  // namespace
 }  // namespace talm_flow::test

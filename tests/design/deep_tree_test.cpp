@@ -1,4 +1,5 @@
 #include <cstddef>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,6 +20,12 @@ constexpr std::string_view kCell = "<td align=center valign=top>";
 std::string Box(int flow_no, int parent_no) {
   return R"(<table border="1" cellspacing="0" cellpadding="0"><tr><td>序号：)" + std::to_string(flow_no) +
          "<br>父序：" + std::to_string(parent_no) + "<br>说明：Step " + std::to_string(flow_no) + "</td></tr></table>";
+}
+
+std::size_t Cells(std::string_view drawing) {
+  std::size_t cells = 0;
+  for (std::size_t at = drawing.find(kCell); at != drawing.npos; at = drawing.find(kCell, at + 1)) ++cells;
+  return cells;
 }
 
 class DeepTreeTest : public DesignTest {
@@ -91,16 +98,16 @@ TEST_F(DeepTreeTest, AFanOfFiveThousandLeavesIsMeasuredListedAndDrawn) {
   Fan(kLeaves);
   EXPECT_EQ(construction.GetMaxStepQty(untraced, 1, 1), 1);
   EXPECT_TRUE(construction.GetChildFlowNo(untraced, 1, 1) == NumbersUpTo(2, kLeaves + 1));
-  const std::string drawing = construction.DisplayFlow(untraced, 1, 1, "f");
-  std::size_t cells = 0;
-  for (std::size_t at = drawing.find(kCell); at != std::string::npos; at = drawing.find(kCell, at + 1)) ++cells;
-  EXPECT_EQ(cells, std::size_t{kLeaves});
+  EXPECT_EQ(Cells(construction.DisplayFlow(untraced, 1, 1, "f")), std::size_t{kLeaves});
 }
 
 TEST_F(DeepTreeTest, ChildrenBeyondTheTenThousandthAreNotSeen) {
   Fan(10001);
   EXPECT_TRUE(construction.GetChildFlowNo(untraced, 1, 1) == NumbersUpTo(2, 10001));
   EXPECT_FALSE(construction.InChild(untraced, 1, 1, 10002));
+  world.Step(1, 10003, 10002, "C_1");
+  EXPECT_EQ(construction.GetMaxStepQty(untraced, 1, 1), 1);
+  EXPECT_EQ(Cells(construction.DisplayFlow(untraced, 1, 1, "f")), 10000U);
 }
 
 struct Cycle {
