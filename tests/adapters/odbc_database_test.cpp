@@ -63,6 +63,15 @@ TEST(OdbcConnectingTest, AMalformedUrlIsRefusedBeforeAnythingIsAsked) {
   EXPECT_THROW((void)Open("odbc:"), ArgumentError);
 }
 
+TEST(OdbcConnectingTest, AnOptionThatTheAdapterSetsItselfIsRefused) {
+  try {
+    (void)Open("odbc:Driver=MariaDB Unicode;Server=127.0.0.1;Port=1;charset=latin1;dialect=mariadb");
+    ADD_FAILURE() << "accepted";
+  } catch (const ArgumentError& error) {
+    EXPECT_THAT(error.what(), HasSubstr("CHARSET"));
+  }
+}
+
 // ---- Servers that speak the component's dialect ---------------------------------------------------------------------
 
 /// A connection whose driver writes down what it gets. No server is behind it.
@@ -186,6 +195,21 @@ TEST_F(OdbcTextsTest, BytesThatAreNoTextAreRefused) {
   const std::string text = "insert into DataNotice (Recver) values ('\xFF')";
   EXPECT_EQ(ErrorOf([&] { (void)database_->Execute(text); }).Statement(), text);
   EXPECT_THAT(RowsOf(*database_, "select Recver from DataNotice"), IsEmpty());
+}
+
+TEST_F(OdbcTextsTest, NumbersOfEveryKindAreStored) {
+  (void)database_->Execute("create table numbers (whole integer, share real)");
+  const auto rows = database_->Open("select * from numbers");
+  rows->AddNew();
+  rows->SetField("whole", Value(true));
+  rows->SetField("share", Value(-0.125));
+  rows->Update();
+  (void)database_->Execute("insert into numbers (whole,share) values (-9007199254740993,1e300)");
+  (void)database_->Execute("insert into numbers (whole,share) values (99999999999999999999,-2)");
+  EXPECT_THAT(RowsOf(*database_, "select whole from numbers where share<0 order by share"),
+              testing::ElementsAre("1E+20", "-1"));
+  EXPECT_THAT(RowsOf(*database_, "select whole from numbers where share=1e300"),
+              testing::ElementsAre("-9007199254740993"));
 }
 
 TEST_F(OdbcTextsTest, AnErrorKeepsTheDriversMessageAndBothItsCodes) {

@@ -86,6 +86,23 @@ TEST_F(PostgresqlDatabaseTest, NumbersAndTextsAreStoredAsTheirColumnsType) {
   EXPECT_THAT(Rows("select ExecuteID,VariableName from WorkFlowVariable"), ElementsAre("99|-5"));
 }
 
+TEST_F(PostgresqlDatabaseTest, TablesOfOthersTakeValuesInTheirColumnsTypes) {
+  Run("create table mixed (yes boolean, small smallint, amount numeric, share double precision, word text)");
+  Run("insert into mixed (yes,small,amount,share,word) values (1,'7','1.250',-2.5,-3)");
+  Run("insert into mixed (yes,small,amount,share,word) values (0,-8,2,'0.5','it''s')");
+  EXPECT_THAT(Rows("select * from mixed"), ElementsAre("True|7|1.25|-2.5|-3", "False|-8|2|0.5|it's"));
+  Run("update mixed set share=-1e400 where small=7");
+  EXPECT_THAT(Rows("select word from mixed where share<-1e300"), ElementsAre("-3"));
+  const DatabaseError error = ErrorOf("insert into mixed (amount) values ('much')");
+  EXPECT_STREQ(error.what(), "invalid input syntax for type numeric: \"much\"");
+  const auto rows = database().Open("select yes, small from mixed");
+  rows->AddNew();
+  rows->SetField("yes", Value(true));
+  rows->SetField("small", Value(9));
+  rows->Update();
+  EXPECT_THAT(Rows("select yes from mixed where small=9"), ElementsAre("True"));
+}
+
 TEST_F(PostgresqlDatabaseTest, WhatAColumnCannotHoldIsRefusedInTheServersWords) {
   const DatabaseError text = ErrorOf("insert into WorkFlowVariable (ExecuteID) values ('abc')");
   EXPECT_STREQ(text.what(), "invalid input syntax for type bigint: \"abc\"");

@@ -72,6 +72,12 @@ TEST(HugeCheckTest, LongValuesAreShownShort) {
   EXPECT_LT(findings[0].problem.size(), 200U);
 }
 
+TEST(HugeCheckTest, ControlCharactersOfValuesAreShownAsSigns) {
+  const auto findings = CheckDefinition(Assigning("\"a\tb\x1B[2J\x7F"));
+  ASSERT_EQ(Codes(findings), "E308");
+  EXPECT_NE(findings[0].problem.find("a\\tb?[2J?"), std::string::npos) << findings[0].problem;
+}
+
 TEST(HugeCheckTest, DeepParenthesesAreChecked) {
   EXPECT_EQ(CodesOf(Assigning(std::string(50, '(') + "x" + std::string(50, ')'))), "");
   EXPECT_EQ(CodesOf(Assigning(std::string(100000, '('))), "E301");

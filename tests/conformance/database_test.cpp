@@ -161,6 +161,23 @@ TEST_P(DatabaseTest, BinaryContentIsStoredByteByByte) {
   EXPECT_TRUE(stored->Field("DataID").IsNull());
 }
 
+TEST_P(DatabaseTest, AnAddedRowTakesValuesOfEveryKind) {
+  const auto rows = database_->Open("Select top 1 * From TableFile");
+  rows->AddNew();
+  rows->SetField("TableID", Value(true));
+  rows->SetField("DataID", Value(false));
+  rows->SetField("Size", Value(2.0));
+  rows->SetField("FileType", Value());
+  rows->Update();
+  EXPECT_THAT(Rows("select TableID,DataID,Size,FileType from TableFile"), ElementsAre("-1|0|2|NULL"));
+}
+
+TEST_P(DatabaseTest, AnAddedRowTakesNoColumnThatTheTableLacks) {
+  const auto rows = database_->Open("Select top 1 * From TableFile");
+  rows->AddNew();
+  EXPECT_THROW(rows->SetField("Nowhere", 1), DatabaseError);
+}
+
 // ---- Row sets -------------------------------------------------------------------------------------------------------
 
 TEST_P(DatabaseTest, ARowSetShowsTheRowsOfItsOpening) {
