@@ -68,10 +68,10 @@ class Twins {
   }
 
   void Check(Choices& choices) {
-    constexpr int kMostStatements = 8;
+    constexpr int kMostCompared = 8;
     const TakenBack taken_back(*adapter_);
     const TakenBack engine_taken_back(engine_);
-    for (int i = 0; i < kMostStatements && !choices.AtEnd(); ++i) Compare(MakeStatement(choices));
+    for (int i = 0; i < kMostCompared && !choices.AtEnd(); ++i) Compare(MakeStatement(choices));
     for (const std::string table : {"t", "u"}) {
       Compare({"select * from " + table, "select * from " + table + " order by rowid", true});
     }

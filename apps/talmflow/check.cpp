@@ -11,7 +11,7 @@
 namespace talm_flow::program {
 namespace {
 
-Json AsJson(const Finding& finding) {
+Json FindingAsJson(const Finding& finding) {
   Json json = {{"code", finding.code}, {"severity", finding.IsError() ? "error" : "warning"}};
   json["flow"] = finding.flow ? Json(*finding.flow) : Json();
   json["step"] = finding.step ? Json(*finding.step) : Json();
@@ -103,7 +103,7 @@ std::string FindingsCounted(const Findings& findings) {
 
 Json FindingsAsJson(const Findings& findings) {
   Json json = Json::array();
-  for (const auto& finding : findings) json.push_back(AsJson(finding));
+  for (const auto& finding : findings) json.push_back(FindingAsJson(finding));
   return json;
 }
 

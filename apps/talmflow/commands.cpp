@@ -54,7 +54,7 @@ std::string HowTaken(const ParameterDescription& parameter) {
   return told;
 }
 
-Json AsJson(const CommandDescription& command) {
+Json CommandAsJson(const CommandDescription& command) {
   Json parameters = Json::array();
   for (std::size_t i = 0; i < command.parameters.size(); ++i) {
     const auto& parameter = command.parameters[i];
@@ -175,7 +175,7 @@ class Commands : public Subcommand {
     for (const auto& name : names_) chosen.push_back(Named(name));
     if (options.json) {
       Json pages = Json::array();
-      for (const auto& command : chosen) pages.push_back(AsJson(command));
+      for (const auto& command : chosen) pages.push_back(CommandAsJson(command));
       std::cout << Dump(pages.size() == 1 ? pages.front() : pages, 2) << '\n';
       return;
     }
@@ -196,7 +196,7 @@ class Commands : public Subcommand {
   static void List(const GlobalOptions& options) {
     if (options.json) {
       Json all = Json::array();
-      for (const auto& command : DescribeCommands()) all.push_back(AsJson(command));
+      for (const auto& command : DescribeCommands()) all.push_back(CommandAsJson(command));
       std::cout << Dump(all, 2) << '\n';
       return;
     }

@@ -31,7 +31,7 @@ std::string ReadAll(const std::string& file) {
   return text;
 }
 
-std::string Place(const std::string& file, std::size_t line) {
+std::string PlaceOf(const std::string& file, std::size_t line) {
   return (file == "-" ? "standard input" : file) + ":" + std::to_string(line) + ": ";
 }
 
@@ -39,7 +39,7 @@ void RequireUtf8(const std::string& file, std::string_view text) {
   std::size_t line = 1;
   while (!text.empty()) {
     const auto length = SequenceSize(text);
-    if (length == 0) throw UserError(Place(file, line) + "the text is not UTF-8");
+    if (length == 0) throw UserError(PlaceOf(file, line) + "the text is not UTF-8");
     if (text.front() == '\n') ++line;
     text.remove_prefix(length);
   }
@@ -78,7 +78,7 @@ class LineCheck {
 
   void End() const {
     if (in_parameters_)
-      throw UserError(Place(file_, begin_) + "the parameters that begin here have no \"ParameterEnd\"");
+      throw UserError(PlaceOf(file_, begin_) + "the parameters that begin here have no \"ParameterEnd\"");
   }
 
  private:
@@ -86,14 +86,14 @@ class LineCheck {
     if (line == "ParameterEnd") {
       in_parameters_ = false;
     } else if (!line.starts_with("//") && line.find(':') == std::string::npos) {
-      throw UserError(Place(file_, line_) + "a parameter or \"ParameterEnd\" is expected, not \"" + line + "\"");
+      throw UserError(PlaceOf(file_, line_) + "a parameter or \"ParameterEnd\" is expected, not \"" + line + "\"");
     }
   }
 
   void TakeAttribute(const std::string& line) const {
     for (const std::string_view key : {"FlowNo:", "ParentNo:", "Serial:", "OrderNo:", "Sort:"}) {
       if (line.starts_with(key) && !IsNumeric(std::string_view(line).substr(key.size()))) {
-        throw UserError(Place(file_, line_) + "\"" + std::string(key) + "\" takes a number, not \"" +
+        throw UserError(PlaceOf(file_, line_) + "\"" + std::string(key) + "\" takes a number, not \"" +
                         line.substr(key.size()) + "\"");
       }
     }
@@ -132,7 +132,7 @@ std::string ReadDefinition(const std::string& file) {
   auto definition = ReadDefinitionUnchecked(file);
   constexpr std::string_view kVersion = "Ver:Flow_V600\r\n";
   if (definition.starts_with(kVersion)) {
-    throw UserError(Place(file, 1) + "the version line must not come first; put a line \"//\" before it");
+    throw UserError(PlaceOf(file, 1) + "the version line must not come first; put a line \"//\" before it");
   }
   if (definition.find("\r\n" + std::string(kVersion)) == std::string::npos) {
     throw UserError("\"" + file + "\" is no flow definition: it has no line \"Ver:Flow_V600\"");

@@ -12,7 +12,7 @@ std::string Counted(std::ptrdiff_t count, const char* noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-Json AsJson(const Ailments& ailments) {
+Json AilmentsAsJson(const Ailments& ailments) {
   Json json = Json::array();
   for (const auto& ailment : ailments) {
     json.push_back({{"severity", ailment.is_error ? "error" : "warning"},
@@ -61,7 +61,7 @@ class Doctor : public Subcommand {
     const auto errors =
         std::count_if(ailments.begin(), ailments.end(), [](const Ailment& ailment) { return ailment.is_error; });
     if (options.json) {
-      std::cout << Dump(AsJson(ailments), 2) << '\n';
+      std::cout << Dump(AilmentsAsJson(ailments), 2) << '\n';
     } else {
       Print(ailments, errors);
     }

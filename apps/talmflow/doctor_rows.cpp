@@ -11,7 +11,7 @@ namespace {
 
 /// How many rows of one kind are looked for, and how many of them are named.
 constexpr std::size_t kMost = 1000;
-constexpr std::size_t kNamed = 3;
+constexpr std::size_t kMostNamed = 3;
 
 /// Rows that should not be there. The query gives their keys, which tell them to people.
 struct RowCheck {
@@ -95,11 +95,17 @@ constexpr RowCheck kChecks[] = {
 std::string Rows(const std::vector<Row>& rows) {
   if (rows.size() == 1) return "row " + JoinedText(rows[0][0]);
   std::string named;
-  for (std::size_t i = 0; i < std::min(rows.size(), kNamed); ++i) {
+  for (std::size_t i = 0; i < std::min(rows.size(), kMostNamed); ++i) {
     named.append(i > 0 ? ", " : "").append(JoinedText(rows[i][0]));
   }
   return (rows.size() > kMost ? "more than " + std::to_string(kMost) : std::to_string(rows.size())) + " rows (" +
-         named + (rows.size() > kNamed ? " ...)" : ")");
+         named + (rows.size() > kMostNamed ? " ...)" : ")");
+}
+
+std::string StatementOf(const RowCheck& check) {
+  const auto key = std::string("x.") + check.key;
+  return "Select Top " + std::to_string(kMost + 1) + " " + key + " From " + check.table + " x Where " + check.condition +
+         " Order By " + key;
 }
 
 void ExamineDefinitions(Workspace& workspace, Ailments& ailments) {
@@ -118,9 +124,7 @@ void ExamineDefinitions(Workspace& workspace, Ailments& ailments) {
 Ailments ExamineRows(Workspace& workspace) {
   Ailments ailments;
   for (const auto& check : kChecks) {
-    const auto key = std::string("x.") + check.key;
-    const auto rows = workspace.Rows("Select Top " + std::to_string(kMost + 1) + " " + key + " From " + check.table +
-                                     " x Where " + check.condition + " Order By " + key);
+    const auto rows = workspace.Rows(StatementOf(check));
     if (rows.empty()) continue;
     ailments.push_back({true, check.kind, check.table, Rows(rows) + " " + check.problem, check.advice});
   }

@@ -18,7 +18,7 @@ late_bound::Argument ArgumentOf(const std::string& word) {
   return word.substr(1);
 }
 
-std::string Shown(const Json& json) { return json.is_string() ? json.get<std::string>() : Dump(json, 2); }
+std::string Printed(const Json& json) { return json.is_string() ? json.get<std::string>() : Dump(json, 2); }
 
 class Call : public Subcommand {
  public:
@@ -51,10 +51,10 @@ class Call : public Subcommand {
       std::cout << Dump({{"value", ToJson(result)}, {"params", params}}) << '\n';
       return;
     }
-    if (!std::holds_alternative<std::monostate>(result)) std::cout << Shown(ToJson(result)) << '\n';
+    if (!std::holds_alternative<std::monostate>(result)) std::cout << Printed(ToJson(result)) << '\n';
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       if (operation.IsByReference(i)) {
-        std::cout << operation.ArgumentName(i) << " = " << Shown(ToJson(arguments[i])) << '\n';
+        std::cout << operation.ArgumentName(i) << " = " << Printed(ToJson(arguments[i])) << '\n';
       }
     }
   }

@@ -6,13 +6,10 @@
 #include "talm_flow/name.h"
 
 namespace talm_flow::program {
-namespace {
 
-bool IsDigits(std::string_view word) {
-  return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
+bool IsDigits(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
-
-}  // namespace
 
 std::int64_t IdOf(std::string_view word, const std::string& what, std::string_view shown) {
   std::int32_t id = 0;

@@ -15,6 +15,9 @@ struct Record {
   std::int64_t data = 0;
 };
 
+/// Whether a text is one decimal digit or more, and nothing else.
+[[nodiscard]] bool IsDigits(std::string_view text);
+
 /// A number of at least 1 that fits 32 bits. @throws UserError  the word is none: "`shown` is no `what`".
 [[nodiscard]] std::int64_t IdOf(std::string_view word, const std::string& what, std::string_view shown);
 [[nodiscard]] inline std::int64_t IdOf(std::string_view word, const std::string& what) {

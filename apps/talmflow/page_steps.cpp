@@ -4,14 +4,11 @@
 #include <unordered_map>
 
 #include "html.h"
+#include "lookup.h"
 #include "talm_flow/conversion.h"
 
 namespace talm_flow::program {
 namespace {
-
-bool IsDigits(std::string_view text) {
-  return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
 
 /// "C_" n "_" k, with any numbers: a name that is no word of scripts and no property of forms.
 bool IsFieldName(std::string_view name) {

@@ -68,7 +68,7 @@ const Colours& ColoursOf(std::string_view command) {
 }
 
 /// A text that XML can hold.
-std::string Shown(std::string_view text) {
+std::string Drawn(std::string_view text) {
   auto shown = Escaped(Printable(WellFormed(text)));
   for (const std::string_view refused : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) shown = ReplaceAll(shown, refused, "\uFFFD");
   return shown;
@@ -162,9 +162,9 @@ class Picture {
     out_ += "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + width + "\" height=\"" + height +
             "\" viewBox=\"0 0 " + width + " " + height + "\" font-family=\"'Noto Sans', 'Noto Sans CJK SC', " +
             "'PingFang SC', 'Microsoft YaHei', 'DejaVu Sans', sans-serif\" font-size=\"" + Number(kTextSize) +
-            "\" fill=\"#1d2433\">\n<title>" + Shown(text_.title) + "</title>\n<rect width=\"100%\" height=\"100%\" " +
+            "\" fill=\"#1d2433\">\n<title>" + Drawn(text_.title) + "</title>\n<rect width=\"100%\" height=\"100%\" " +
             "fill=\"#ffffff\"/>\n<text x=\"" + Number(kMargin) + "\" y=\"" + Number(kMargin + kTitleSize) +
-            "\" font-size=\"" + Number(kTitleSize) + "\" font-weight=\"700\">" + Shown(text_.title) + "</text>\n";
+            "\" font-size=\"" + Number(kTitleSize) + "\" font-weight=\"700\">" + Drawn(text_.title) + "</text>\n";
     Text(kMargin, kMargin + 42, text_.subtitle, " fill=\"#5b6577\"");
     if (cards_.empty()) Text(kMargin, kMargin + 64, "It has no step 1.", "");
   }
@@ -200,7 +200,7 @@ class Picture {
     const double left = lefts_[i];
     const double top = Top(i);
     out_ += "<g data-step=\"" + number + "\"" + (waits ? " data-waits=\"1\"" : "") + ">";
-    if (!card.step->caption.empty()) out_ += "<title>" + Shown(card.step->caption) + "</title>";
+    if (!card.step->caption.empty()) out_ += "<title>" + Drawn(card.step->caption) + "</title>";
     Box(left, top, card.height, waits ? "#fff7e8" : "#ffffff", waits ? kWaits : colours.strong, waits ? 2.5 : 1);
     out_ += "<path d=\"M" + Number(left + 1) + " " + Number(top + kHeadHeight) + "v-21a8 8 0 0 1 8-8h" +
             Number(kCardWidth - 18) + "a8 8 0 0 1 8 8v21z\" fill=\"" + std::string(colours.soft) + "\"/>";
@@ -239,7 +239,7 @@ class Picture {
   void Text(double x, double y, std::string_view text, std::string_view attributes) {
     out_ += "<text x=\"" + Number(x) + "\" y=\"" + Number(y) + "\"";
     out_ += attributes;
-    out_ += ">" + Shown(text) + "</text>";
+    out_ += ">" + Drawn(text) + "</text>";
   }
 
   double Top(std::size_t i) const { return level_tops_[cards_[i].level]; }

@@ -10,8 +10,8 @@ constexpr std::string_view kCut = "…";
 
 double WidthOfCharacter(std::string_view character) {
   constexpr double kWide = 1.0;
-  constexpr double kOther = 0.66;
-  if (character.size() > 1) return DisplayWidth(character) > 1 || character == kCut ? kWide : kOther;
+  constexpr double kNarrow = 0.66;
+  if (character.size() > 1) return DisplayWidth(character) > 1 || character == kCut ? kWide : kNarrow;
   const char c = character.front();
   if (std::string_view(" .,:;'|!ijl()[]").find(c) != std::string_view::npos) return 0.4;
   if (std::string_view("mwMW@%").find(c) != std::string_view::npos) return 0.98;

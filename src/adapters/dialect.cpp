@@ -9,33 +9,33 @@
 namespace talm_flow::adapters {
 namespace {
 
-constexpr Dialect kSqlite = {.identity = "last_insert_rowid()", .name = "sqlite", .nul_text_type = "text"};
+constexpr Dialect kSqliteDialect = {.identity = "last_insert_rowid()", .name = "sqlite", .nul_text_type = "text"};
 
-constexpr Dialect kPostgresql = {.identity = "lastval()",
-                                 .numbered_marks = true,
-                                 .name = "postgresql",
-                                 .nulls_last = true,
-                                 .types_from_context = true,
-                                 .quotes = NameQuotes::kAnsiLowerCase,
-                                 .reserved = kPostgresqlReserved};
+constexpr Dialect kPostgresqlDialect = {.identity = "lastval()",
+                                        .numbered_marks = true,
+                                        .name = "postgresql",
+                                        .nulls_last = true,
+                                        .types_from_context = true,
+                                        .quotes = NameQuotes::kAnsiLowerCase,
+                                        .reserved = kPostgresqlReserved};
 
-constexpr Dialect kMariadb = {.identity = "last_insert_id()",
-                              .name = "mariadb",
-                              .derived_limits = true,
-                              .quotes = NameQuotes::kBackticks,
-                              .reserved = kMariadbReserved,
-                              .nul_text_type = "char",
-                              .tables_by_case = true,
-                              .default_row = " () values ()"};
+constexpr Dialect kMariadbDialect = {.identity = "last_insert_id()",
+                                     .name = "mariadb",
+                                     .derived_limits = true,
+                                     .quotes = NameQuotes::kBackticks,
+                                     .reserved = kMariadbReserved,
+                                     .nul_text_type = "char",
+                                     .tables_by_case = true,
+                                     .default_row = " () values ()"};
 
-constexpr Dialect kTsql = {.identity = "@@IDENTITY",
-                           .name = "tsql",
-                           .native = true,
-                           .quotes = NameQuotes::kBrackets,
-                           .text_prefix = "N",
-                           .nul_text_type = "nvarchar(max)"};
+constexpr Dialect kTsqlDialect = {.identity = "@@IDENTITY",
+                                  .name = "tsql",
+                                  .native = true,
+                                  .quotes = NameQuotes::kBrackets,
+                                  .text_prefix = "N",
+                                  .nul_text_type = "nvarchar(max)"};
 
-constexpr std::array kDialects = {&kSqlite, &kPostgresql, &kMariadb, &kTsql};
+constexpr std::array kDialects = {&kSqliteDialect, &kPostgresqlDialect, &kMariadbDialect, &kTsqlDialect};
 
 std::string Hexadecimal(std::string_view bytes) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
@@ -49,10 +49,10 @@ std::string Hexadecimal(std::string_view bytes) {
 
 }  // namespace
 
-const Dialect& SqliteDialect() { return kSqlite; }
-const Dialect& PostgresqlDialect() { return kPostgresql; }
-const Dialect& MariadbDialect() { return kMariadb; }
-const Dialect& TsqlDialect() { return kTsql; }
+const Dialect& SqliteDialect() { return kSqliteDialect; }
+const Dialect& PostgresqlDialect() { return kPostgresqlDialect; }
+const Dialect& MariadbDialect() { return kMariadbDialect; }
+const Dialect& TsqlDialect() { return kTsqlDialect; }
 
 std::string KnownDialects() {
   std::string known;

@@ -14,7 +14,7 @@ const Dialect kPostgresqlWithPlainMarks = WithPlainMarks(PostgresqlDialect());
 
 constexpr std::array<int, 2> kSqliteDisturbed = {5, 6};  // busy, locked
 
-const OdbcEngine kSqlite = {
+const OdbcEngine kSqliteByOdbc = {
     .dialect = SqliteDialect(),
     .may_be_narrow = true,
     .settings = {},
@@ -30,7 +30,7 @@ const OdbcEngine kSqlite = {
     .reading = {.loose_types = true},
 };
 
-const OdbcEngine kPostgresql = {
+const OdbcEngine kPostgresqlByOdbc = {
     .dialect = kPostgresqlWithPlainMarks,
     .settings = {},
     .begin = "begin isolation level read committed",
@@ -64,7 +64,7 @@ constexpr std::array<std::string_view, 1> kGaleraSettings = {"set session wsrep_
 constexpr std::array<int, 2> kMariadbDisturbed = {1205, 1213};  // lock wait time-out, deadlock or failed certification
 constexpr std::array<int, 1> kMariadbTakenBack = {1213};
 
-const OdbcEngine kMariadb = {
+const OdbcEngine kMariadbByOdbc = {
     .dialect = MariadbDialect(),
     .connection_option = "CHARSET=utf8mb4",
     .timeout_option = "CONN_TIMEOUT",
@@ -96,7 +96,7 @@ const OdbcEngine kMariadb = {
 constexpr std::array<int, 3> kTsqlDisturbed = {1205, 1222, 3960};  // deadlock, lock time-out, snapshot conflict
 constexpr std::array<int, 2> kTsqlTakenBack = {1205, 3960};
 
-const OdbcEngine kTsql = {
+const OdbcEngine kTsqlByOdbc = {
     .dialect = TsqlDialect(),
     .settings = {},
     .begin = "begin transaction",
@@ -112,12 +112,12 @@ const OdbcEngine kTsql = {
     .taken_back = kTsqlTakenBack,
 };
 
-constexpr std::array kEngines = {&kSqlite, &kPostgresql, &kMariadb, &kTsql};
+constexpr std::array kOdbcEngines = {&kSqliteByOdbc, &kPostgresqlByOdbc, &kMariadbByOdbc, &kTsqlByOdbc};
 
 }  // namespace
 
 const OdbcEngine& OdbcEngineOf(const Dialect& dialect) {
-  for (const OdbcEngine* const engine : kEngines) {
+  for (const OdbcEngine* const engine : kOdbcEngines) {
     if (engine->dialect.name == dialect.name) return *engine;
   }
   throw ArgumentError("there is no way to \"" + std::string(dialect.name) + "\" through ODBC");

@@ -8,8 +8,6 @@ namespace {
 /// More might be the one number that stays in the shape.
 constexpr std::size_t kMostDigits = 18;
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 }  // namespace
 
 // A sign's meaning depends on what is before it and on the kind of what follows: where the literals are of the same

@@ -56,7 +56,6 @@ constexpr std::array<bool, 256> kNameCharacters = MakeNameCharacters();
 
 constexpr Character CharacterOf(char c) { return kCharacters[static_cast<unsigned char>(c)]; }
 constexpr bool IsName(char c) { return kNameCharacters[static_cast<unsigned char>(c)]; }
-constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 constexpr std::string_view kIdentity = "@@identity";
 

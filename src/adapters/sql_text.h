@@ -54,4 +54,7 @@ struct ScannedText {
 /// The characters that names and keywords are made of; all beyond ASCII belong to them.
 [[nodiscard]] bool IsNameCharacter(char c);
 
+/// Of ASCII alone, as numbers in statements are.
+[[nodiscard]] constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
 }  // namespace talm_flow::adapters

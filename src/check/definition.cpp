@@ -4,6 +4,7 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "check/blanks.h"
 #include "check/report.h"
 #include "commands/command_table.h"
 #include "design/definition_text.h"
@@ -54,11 +55,8 @@ std::string_view Step::Data(int k) const {
 }
 
 std::optional<std::int64_t> WholeNumber(std::string_view text) {
-  constexpr std::string_view kSpace = " \t\r\n";
-  const auto begin = text.find_first_not_of(kSpace);
-  if (begin == std::string_view::npos) return std::nullopt;
-  text = text.substr(begin, text.find_last_not_of(kSpace) - begin + 1);
-  if (text.find(',') != std::string_view::npos) return std::nullopt;
+  text = Trimmed(text);
+  if (text.empty() || text.find(',') != std::string_view::npos) return std::nullopt;
   const auto number = ParseNumber(text);
   constexpr double kLargest = 1E15;
   if (!number || *number != std::trunc(*number) || std::fabs(*number) > kLargest) return std::nullopt;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "check/blanks.h"
 #include "expr/arithmetic.h"
 #include "expr/tokens.h"
 #include "talm_flow/conversion.h"
@@ -19,14 +20,7 @@ namespace {
 using expr::kMarkBegin;
 using expr::Operand;
 
-constexpr std::string_view kSpace = " \t\r\n";
 constexpr std::array<std::string_view, 2> kSpecialNames = {"DataID_Submit", "DataID_PerApp"};
-
-std::string_view Trimmed(std::string_view text) {
-  const auto begin = text.find_first_not_of(kSpace);
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(kSpace) - begin + 1);
-}
 
 bool IsSpecial(std::string_view name) { return std::ranges::find(kSpecialNames, name) != kSpecialNames.end(); }
 

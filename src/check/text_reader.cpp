@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "check/blanks.h"
 #include "check/definition.h"
 #include "check/report.h"
 #include "commands/command_table.h"
@@ -18,10 +19,6 @@ namespace {
 
 using design::Attributes;
 using design::Parted;
-
-constexpr std::string_view kSpace = " \t\r\n";
-
-bool IsBlank(std::string_view text) { return text.find_first_not_of(kSpace) == std::string_view::npos; }
 
 /// Whether a line begins "C_" n "_" k ":" in digits; behind the first line of a value it is no name that is known.
 bool LooksLikeParameter(std::string_view line) {
@@ -154,7 +151,7 @@ class TextReader {
   std::optional<std::int64_t> Number(std::string_view key, std::optional<std::string_view> value,
                                      const check::Step* step) {
     if (!value) return 0;
-    const auto trimmed = value->substr(0, value->find_last_not_of(kSpace) + 1);
+    const auto trimmed = value->substr(0, value->find_last_not_of(kBlanks) + 1);
     if (!IsNumeric(trimmed) || trimmed.find(',') != std::string_view::npos) {
       report_.Add(Code::kBadNumber, {.step = step, .line = lines_.Of(*value)},
                   "\"" + std::string(key) + ":\" takes a number, not " + Shown(*value) + "; loading the text fails.",
@@ -184,7 +181,7 @@ class TextReader {
 
   void CheckNothingFollows(const Parted& value) {
     if (!IsBlank(value.back) && !lost_block_) {
-      ReportLost(value.back.substr(value.back.find_first_not_of(kSpace)),
+      ReportLost(value.back.substr(value.back.find_first_not_of(kBlanks)),
                  "it belongs to the line " + Shown(value.front) + " before it");
     }
   }

@@ -126,7 +126,7 @@ inline constexpr ParameterRow kStart{.title = "Start",
                                          "position of a character, from 1; below 1, and anything but a number, "
                                          "counts as 1",
                                      .example = "1"};
-inline constexpr ParameterRow kText{.title = "Text", .example = "name"};
+inline constexpr ParameterRow kAnyText{.title = "Text", .example = "name"};
 inline constexpr ParameterRow kList{.title = "List", .note = "items separated by \",\"", .example = "\"a,b,c\""};
 
 constexpr ParameterRow Address(std::string_view title, std::string_view example) {
@@ -289,7 +289,7 @@ inline constexpr ParameterRow kParametersOf54[] = {
                       "names, and groups as \"@group\"; without any name left the empty text is "
                       "assigned")};
 inline constexpr ParameterRow kParametersOf55[] = {kTarget, Number("a number; anything else assigns nothing")};
-inline constexpr ParameterRow kParametersOf59[] = {kTarget, kText};
+inline constexpr ParameterRow kParametersOf59[] = {kTarget, kAnyText};
 inline constexpr ParameterRow kParametersOf66[] = {kTarget, {.title = "Value", .example = "amount"}};
 inline constexpr ParameterRow kParametersOf69[] = {kTarget, kList};
 inline constexpr ParameterRow kParametersOf70[] = {
@@ -343,7 +343,7 @@ inline constexpr ParameterRow kParametersOf91[] = {
 inline constexpr ParameterRow kParametersOf92[] = {Date("Date", true, "a date text; anything else assigns nothing"),
                                                    kTarget};
 inline constexpr ParameterRow kParametersOf93[] = {
-    kText,
+    kAnyText,
     {.title = "Sought text", .note = "compared with case; empty: nothing is replaced", .example = "\"-\""},
     {.title = "Replacement", .example = "\"/\""},
     Titled(Optional(kStart,
@@ -356,16 +356,16 @@ inline constexpr ParameterRow kParametersOf93[] = {
      .example = "1"},
     kTarget};
 inline constexpr ParameterRow kParametersOf94[] = {
-    kText,
+    kAnyText,
     kStart,
     {.title = "Length",
      .fits = Fits::kWholeNumber,
      .note = "in characters; below 1, and anything but a number: to the end",
      .example = "4"},
     kTarget};
-inline constexpr ParameterRow kParametersOf95[] = {kText, kTarget};
+inline constexpr ParameterRow kParametersOf95[] = {kAnyText, kTarget};
 inline constexpr ParameterRow kParametersOf96[] = {
-    kText,
+    kAnyText,
     {.title = "Sought text", .note = "compared with case", .example = "\"-\""},
     Optional(kStart, "position of a character, from 1; below 1, and anything but a number, counts as 1"),
     kTarget};

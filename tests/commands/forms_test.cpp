@@ -13,11 +13,8 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-using Texts = std::vector<std::string>;
-
 const std::string kTarget(kRecord);
 const std::string kSource = "\"TableID:12,DataID:346\"";
-const std::string kHostile = "'); Delete From TableData12; --\"?\r\n\t\x01 @x :y $1 %_[]\\";
 /// Bytes that no text holds.
 const std::string kBinary("\0\x01\xff\xfe'\"\0", 7);
 

@@ -10,8 +10,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const std::string kHostile = "'); Delete From TableData12; --\"?\r\n\t\x01 @x :y $1 %_[]\\";
-
 /// A condition, and the statement's condition that it becomes.
 struct Condition {
   std::string name, stored, statement;

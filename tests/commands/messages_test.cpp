@@ -9,8 +9,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const std::string kHostile = "'); Delete From TableData12; --\"?\r\n\t\x01 @x :y $1 %_[]\\";
-
 TEST(SendRecordTest, EachReceiverGetsANoticeAndAReceipt) {
   Scene scene;
   scene.Run(&Command::C_1, "C_1", {std::string(kRecord), "\"News\"", "\"a,b\""});

@@ -9,8 +9,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-using Texts = std::vector<std::string>;
-
 const std::string kRecordParameter(kRecord);
 
 /// A flag's stored text, and what it counts as when the variables "yes" and "no" hold "1" and "no".

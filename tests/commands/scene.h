@@ -27,6 +27,11 @@ inline std::string Repeated(std::string_view text, std::size_t count) {
   return result;
 }
 
+using Texts = std::vector<std::string>;
+
+/// What a user may write: it would end a literal, begin a further statement, be a marker of some engine or a pattern.
+inline const std::string kHostile = "'); Delete From TableData12; --\"?\r\n\t\x01 @x :y $1 %_[]\\";
+
 class Scene {
  public:
   using Operation = void (Command::*)(InvocationContext&);

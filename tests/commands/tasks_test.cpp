@@ -10,8 +10,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-using Texts = std::vector<std::string>;
-
 constexpr const char* kNoticeInsert =
     "Insert Into DataNotice (Sort,TableID,DataID,Recver,NoticeTitle) Values(2,12,345,";
 constexpr const char* kApprovalInsert =

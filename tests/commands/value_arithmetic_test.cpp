@@ -98,8 +98,9 @@ TEST_F(ArithmeticTraceTest, ADivisionByZeroLeavesTheTargetUnchanged) {
 }
 
 TEST_F(ArithmeticTraceTest, ANumberOutOfRangeRaisesOverflow) {
-  for (const Texts& parameters : {Texts{"1E308", "*", "10", "target"}, Texts{"moment", "+", "3000000000", "target"},
-                                  Texts{"moment", "-", "99999999", "target"}}) {
+  for (const TextViews& parameters :
+       {TextViews{"1E308", "*", "10", "target"}, TextViews{"moment", "+", "3000000000", "target"},
+        TextViews{"moment", "-", "99999999", "target"}}) {
     EXPECT_THROW(RunStep(kArithmetic, parameters), OverflowError) << parameters[0] << parameters[1] << parameters[2];
     EXPECT_EQ(Variable(), std::nullopt);
   }

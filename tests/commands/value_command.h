@@ -26,13 +26,13 @@ struct Operation {
   void (Command::*call)(InvocationContext&);
 };
 
-using Texts = std::vector<std::string_view>;
+using TextViews = std::vector<std::string_view>;
 
 /// A run of a command: its parameters in order, and what the variable "target" holds afterwards; nothing when it is not
 /// to be written.
 struct ValueCase {
   Operation operation;
-  Texts parameters;
+  TextViews parameters;
   std::optional<std::string_view> written;
 };
 
@@ -43,7 +43,7 @@ inline void PrintTo(const ValueCase& value_case, std::ostream* out) {
 
 /// The same command with several parameter lists.
 struct OneRun {
-  Texts parameters;
+  TextViews parameters;
   std::optional<std::string_view> written;
 };
 [[nodiscard]] inline std::vector<ValueCase> Runs(const std::vector<Operation>& operations,
@@ -87,7 +87,7 @@ class ValueCommands {
                Literal(name) + "," + Literal(text) + ")");
   }
 
-  void GiveParameters(const Operation& operation, const Texts& parameters) {
+  void GiveParameters(const Operation& operation, const TextViews& parameters) {
     world_.Run("delete from WorkFlowParameter");
     for (std::size_t i = 0; i < parameters.size(); ++i) {
       world_.Parameter(7, 1, ParameterName(operation, i + 1), parameters[i]);
@@ -102,7 +102,7 @@ class ValueCommands {
   void Call(const Operation& operation) { Call(operation, world_.connection()); }
 
   /// Stores the parameters and runs the command.
-  void RunStep(const Operation& operation, const Texts& parameters) {
+  void RunStep(const Operation& operation, const TextViews& parameters) {
     GiveParameters(operation, parameters);
     Call(operation);
   }

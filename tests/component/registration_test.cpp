@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 constexpr const char16_t* kClasses[] = {u"TALM_Flow.Command", u"TALM_Flow.Construction", u"TALM_Flow.InOut",
                                         u"TALM_Flow.Name", u"TALM_Flow.Connection"};
-constexpr const char* kNameClass = "{5B1E3A70-6C4D-4F0E-9A21-3D87C25FE004}";
+constexpr const char* kNameClassText = "{5B1E3A70-6C4D-4F0E-9A21-3D87C25FE004}";
 
 std::string Content(const std::string& path) {
   std::ifstream stream(path, std::ios::binary);
@@ -26,7 +26,7 @@ void Write(const std::string& path, std::string_view bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
 }
 
-std::string FileText(std::string_view library, std::string_view class_id = kNameClass) {
+std::string FileText(std::string_view library, std::string_view class_id = kNameClassText) {
   return "talm_flow class 1\nname=TALM_Flow.Name\nclass=" + std::string(class_id) +
          "\nlibrary=" + std::string(library) + "\n";
 }

@@ -14,14 +14,6 @@ using ::testing::HasSubstr;
 
 constexpr int kDeepest = 32767;
 
-constexpr std::string_view kRow = R"(<table border="0" cellspacing="0" cellpadding="0"><tr>)";
-constexpr std::string_view kCell = "<td align=center valign=top>";
-
-std::string Box(int flow_no, int parent_no) {
-  return R"(<table border="1" cellspacing="0" cellpadding="0"><tr><td>序号：)" + std::to_string(flow_no) +
-         "<br>父序：" + std::to_string(parent_no) + "<br>说明：Step " + std::to_string(flow_no) + "</td></tr></table>";
-}
-
 std::size_t Cells(std::string_view drawing) {
   std::size_t cells = 0;
   for (std::size_t at = drawing.find(kCell); at != drawing.npos; at = drawing.find(kCell, at + 1)) ++cells;

@@ -28,12 +28,6 @@ constexpr std::string_view kParameterComment = "//这里记录指令参数，用
 constexpr std::string_view kInputComment =
     "//这里记录每个子流程参数，用FunctionParameterBegin开始，用FunctionParameterEnd结束\r\n";
 
-std::string Joined(std::initializer_list<std::string_view> pieces) {
-  std::string text;
-  for (const auto piece : pieces) text += piece;
-  return text;
-}
-
 TEST_F(DefinitionWriterTest, AFlowIsWrittenWithItsStepsParametersAndInputParameters) {
   Flow(3, "Leave", "Ann", "Demo");
   world.Run(

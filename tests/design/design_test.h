@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -27,6 +28,22 @@ inline void PrintTo(const Value& value, std::ostream* out) {
 }  // namespace talm_flow
 
 namespace talm_flow::test {
+
+// What drawings are made of.
+inline constexpr std::string_view kRow = R"(<table border="0" cellspacing="0" cellpadding="0"><tr>)";
+inline constexpr std::string_view kCell = "<td align=center valign=top>";
+
+/// A box of a step stored by `World::Step`.
+inline std::string Box(int flow_no, int parent_no) {
+  return R"(<table border="1" cellspacing="0" cellpadding="0"><tr><td>序号：)" + std::to_string(flow_no) +
+         "<br>父序：" + std::to_string(parent_no) + "<br>说明：Step " + std::to_string(flow_no) + "</td></tr></table>";
+}
+
+inline std::string Joined(std::initializer_list<std::string_view> pieces) {
+  std::string text;
+  for (const auto piece : pieces) text += piece;
+  return text;
+}
 
 class DesignTest : public ::testing::Test {
  protected:

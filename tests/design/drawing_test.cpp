@@ -9,9 +9,7 @@ using ::testing::ElementsAre;
 
 using DrawingTest = DesignTest;
 
-constexpr std::string_view kRow = R"(<table border="0" cellspacing="0" cellpadding="0"><tr>)";
 constexpr std::string_view kRowEnd = "</tr></table>";
-constexpr std::string_view kCell = "<td align=center valign=top>";
 constexpr std::string_view kFirstBar =
     R"(<table border="0" cellspacing="0" cellpadding="0" width="100%" height=1><tr><td width="50%"></td>)"
     R"(<td width="50%" bgcolor="#000000"></td></tr></table>)";
@@ -21,18 +19,6 @@ constexpr std::string_view kMiddleBar =
 constexpr std::string_view kLastBar =
     R"(<table border="0" cellspacing="0" cellpadding="0" width="100%" height=1><tr><td width="50%" bgcolor="#000000">)"
     R"(</td><td width="50%"></td></tr></table>)";
-
-std::string Joined(std::initializer_list<std::string_view> pieces) {
-  std::string text;
-  for (const auto piece : pieces) text += piece;
-  return text;
-}
-
-/// A box of a step stored by `World::Step`.
-std::string Box(int flow_no, int parent_no) {
-  return R"(<table border="1" cellspacing="0" cellpadding="0"><tr><td>序号：)" + std::to_string(flow_no) +
-         "<br>父序：" + std::to_string(parent_no) + "<br>说明：Step " + std::to_string(flow_no) + "</td></tr></table>";
-}
 
 TEST_F(DrawingTest, AFlowWithoutARootIsEmpty) {
   EXPECT_EQ(construction.DisplayFlow(db, 1, 0, "f"), "<center></center>");

@@ -44,7 +44,7 @@ std::string Boxes(const std::string& boxes) {
          "data-kind=\"choices\">" +
          boxes + "</span>";
 }
-std::string Box(int number, const std::string& option, bool checked) {
+std::string CheckBox(int number, const std::string& option, bool checked) {
   const std::string id = "InputParameter_1_" + std::to_string(number);
   return "<input type=\"checkbox\" id=\"" + id + "\" name=\"InputParameter_1\" value=\"" + option +
          (checked ? "\" checked>" : "\">") + "<label for=\"" + id + "\">" + option + "</label>";
@@ -73,8 +73,9 @@ INSTANTIATE_TEST_SUITE_P(
                       "<option value=\"&quot;&lt;\">&quot;&lt;</option>")},
         Widget{5, "a", "", Select("choice", kNoChoice + "<option value=\"a\">a</option>")},
         Widget{5, "", "", Select("choice", kNoChoice)},
-        Widget{6, "a,b,c", "c, a", Boxes(Box(1, "a", true) + Box(2, "b", false) + Box(3, "c", true))},
-        Widget{6, "a,&", "", Boxes(Box(1, "a", false) + Box(2, "&amp;", false))}, Widget{6, "", "a", Boxes("")},
+        Widget{6, "a,b,c", "c, a", Boxes(CheckBox(1, "a", true) + CheckBox(2, "b", false) + CheckBox(3, "c", true))},
+        Widget{6, "a,&", "", Boxes(CheckBox(1, "a", false) + CheckBox(2, "&amp;", false))},
+        Widget{6, "", "a", Boxes("")},
         Widget{7, "", "1", Select("yesno", "<option value=\"0\">否</option><option value=\"1\" selected>是</option>")},
         Widget{7, "", "0", Select("yesno", "<option value=\"0\" selected>否</option><option value=\"1\">是</option>")},
         Widget{7, "", "", Select("yesno", "<option value=\"0\" selected>否</option><option value=\"1\">是</option>")},

@@ -72,43 +72,42 @@ TEST(ConditionTokensTest, AWholeConditionFallsIntoItsTokens) {
               ElementsAre("a", ">=", "1", "and", "(", "b", "<>", "2", "or", "c", "=", "3", ")"));
 }
 
-struct TokensCase {
+struct ConditionCase {
   std::string_view text;
   std::vector<std::string_view> tokens;
 };
 
-class ConditionTokensCaseTest : public ::testing::TestWithParam<TokensCase> {};
+class ConditionTokensCaseTest : public ::testing::TestWithParam<ConditionCase> {};
 
 TEST_P(ConditionTokensCaseTest, TokensAreAsListed) {
   EXPECT_THAT(expr::ExpressToArr(GetParam().text), ElementsAreArray(GetParam().tokens));
 }
 
 INSTANTIATE_TEST_SUITE_P(Words, ConditionTokensCaseTest,
-                         ::testing::Values(TokensCase{"X=1 AND Y=2", {"x", "=", "1", "and", "y", "=", "2"}},
-                                           TokensCase{"a=1and b=2", {"a", "=", "1and b", "=", "2"}},
-                                           TokensCase{"a=1 or b=2", {"a", "=", "1", "or", "b", "=", "2"}},
-                                           TokensCase{"brand=order", {"brand", "=", "order"}},
+                         ::testing::Values(ConditionCase{"X=1 AND Y=2", {"x", "=", "1", "and", "y", "=", "2"}},
+                                           ConditionCase{"a=1and b=2", {"a", "=", "1and b", "=", "2"}},
+                                           ConditionCase{"a=1 or b=2", {"a", "=", "1", "or", "b", "=", "2"}},
+                                           ConditionCase{"brand=order", {"brand", "=", "order"}},
                                            // The blank between two words serves the first of them only.
-                                           TokensCase{"a and and b", {"a", "and", "and b"}},
-                                           TokensCase{"(a) and (b)", {"(", "a", ")", "and", "(", "b", ")"}},
-                                           TokensCase{"a\tand\tb", {"a\tand\tb"}}));
+                                           ConditionCase{"a and and b", {"a", "and", "and b"}},
+                                           ConditionCase{"(a) and (b)", {"(", "a", ")", "and", "(", "b", ")"}},
+                                           ConditionCase{"a\tand\tb", {"a\tand\tb"}}));
 
-INSTANTIATE_TEST_SUITE_P(Operators, ConditionTokensCaseTest,
-                         ::testing::Values(TokensCase{"a<1", {"a", "<", "1"}}, TokensCase{"a>1", {"a", ">", "1"}},
-                                           TokensCase{"a<=1", {"a", "<=", "1"}}, TokensCase{"a<>1", {"a", "<>", "1"}},
-                                           TokensCase{"a==1", {"a", "=", "=", "1"}},
-                                           TokensCase{"a=>1", {"a", "=", ">", "1"}},
-                                           TokensCase{"a>==1", {"a", ">=", "=", "1"}},
-                                           TokensCase{"a<>=1", {"a", "<", ">=", "1"}},
-                                           TokensCase{"a < = 1", {"a", "<", "=", "1"}}, TokensCase{"=", {"="}},
-                                           TokensCase{"()", {"(", ")"}}));
+INSTANTIATE_TEST_SUITE_P(
+    Operators, ConditionTokensCaseTest,
+    ::testing::Values(ConditionCase{"a<1", {"a", "<", "1"}}, ConditionCase{"a>1", {"a", ">", "1"}},
+                      ConditionCase{"a<=1", {"a", "<=", "1"}}, ConditionCase{"a<>1", {"a", "<>", "1"}},
+                      ConditionCase{"a==1", {"a", "=", "=", "1"}}, ConditionCase{"a=>1", {"a", "=", ">", "1"}},
+                      ConditionCase{"a>==1", {"a", ">=", "=", "1"}}, ConditionCase{"a<>=1", {"a", "<", ">=", "1"}},
+                      ConditionCase{"a < = 1", {"a", "<", "=", "1"}}, ConditionCase{"=", {"="}},
+                      ConditionCase{"()", {"(", ")"}}));
 
 INSTANTIATE_TEST_SUITE_P(
     Blanks, ConditionTokensCaseTest,
-    ::testing::Values(TokensCase{"  a  =  b c  ", {"a", "=", "b c"}}, TokensCase{"a\r\nb=1", {"a", "b", "=", "1"}},
-                      TokensCase{"\r\n\r\n", {}}, TokensCase{"a\rb\nc", {"a\rb\nc"}},
-                      TokensCase{"a\r\n and \r\nb", {"a", "and", "b"}},
-                      TokensCase{"姓名='李四' AND ÄÖ=Σ", {"姓名", "=", "'李四'", "and", "äö", "=", "σ"}}));
+    ::testing::Values(ConditionCase{"  a  =  b c  ", {"a", "=", "b c"}},
+                      ConditionCase{"a\r\nb=1", {"a", "b", "=", "1"}}, ConditionCase{"\r\n\r\n", {}},
+                      ConditionCase{"a\rb\nc", {"a\rb\nc"}}, ConditionCase{"a\r\n and \r\nb", {"a", "and", "b"}},
+                      ConditionCase{"姓名='李四' AND ÄÖ=Σ", {"姓名", "=", "'李四'", "and", "äö", "=", "σ"}}));
 
 TEST(ConditionTokensTest, AnEmptyOrBlankTextHasNone) {
   EXPECT_THAT(expr::ExpressToArr(""), IsEmpty());

@@ -39,10 +39,10 @@ std::string Between(const std::string& text, const std::string& begin, const std
 
 std::string Policy(const std::string& page) { return Between(page, "Content-Security-Policy\" content=\"", "\""); }
 
-const std::vector<StepText> kSteps = {{1, 0, "C_22", {"x", "1"}, "first"}, {2, 1, "C_73", {}, "<b>second</b>"}};
+const std::vector<StepText> kDrawnSteps = {{1, 0, "C_22", {"x", "1"}, "first"}, {2, 1, "C_73", {}, "<b>second</b>"}};
 
 TEST_F(DrawTest, APageGoesToStandardOutputOrIntoAFile) {
-  Import("leave", kSteps, "A & B");
+  Import("leave", kDrawnSteps, "A & B");
   const auto page = Succeed({"draw", "leave"});
   EXPECT_THAT(page, testing::StartsWith("<!DOCTYPE html>\n"));
   EXPECT_EQ(Succeed({"draw", "1", "-o", "leave.html"}), "Drew flow 1 \"leave\" in leave.html\n");
@@ -52,7 +52,7 @@ TEST_F(DrawTest, APageGoesToStandardOutputOrIntoAFile) {
 }
 
 TEST_F(DrawTest, ThePageCarriesTheComponentsDrawingAsData) {
-  Import("leave", kSteps, "A & B");
+  Import("leave", kDrawnSteps, "A & B");
   const auto page = Succeed({"draw", "leave"});
   const auto data = nlohmann::json::parse(Between(page, "id=\"PageData\">", "</script>"));
   const auto drawing = SucceedJson({"call", "Construction.DisplayFlow", "1", "0", "StepForm"})["value"];
@@ -62,7 +62,7 @@ TEST_F(DrawTest, ThePageCarriesTheComponentsDrawingAsData) {
 }
 
 TEST_F(DrawTest, APolicyAdmitsThePagesScriptsAndNothingElse) {
-  Import("leave", kSteps);
+  Import("leave", kDrawnSteps);
   const auto policy = Policy(Succeed({"draw", "leave"}));
   EXPECT_THAT(policy,
               testing::StartsWith("default-src 'none'; base-uri 'none'; form-action 'none'; style-src 'sha256-"));
@@ -71,7 +71,7 @@ TEST_F(DrawTest, APolicyAdmitsThePagesScriptsAndNothingElse) {
 }
 
 TEST_F(DrawTest, AnEditablePageAdmitsOneHandlerAStep) {
-  Import("leave", kSteps);
+  Import("leave", kDrawnSteps);
   const auto policy = Policy(Succeed({"draw", "leave", "--editable"}));
   EXPECT_THAT(policy, AllOf(HasSubstr("'unsafe-hashes'"), Not(HasSubstr("'unsafe-inline'"))));
   EXPECT_EQ(Count(policy, "'sha256-"), 5U);
@@ -99,7 +99,7 @@ TEST_F(DrawTest, TheFormHasAFieldForEveryParameterOfTheCatalogueAndForStrangeOne
 }
 
 TEST_F(DrawTest, AStepWithAParameterThatNoFieldCanHoldIsNotAdmitted) {
-  Import("leave", kSteps);
+  Import("leave", kDrawnSteps);
   Run("Insert Into WorkFlowParameter (FlowID,FlowNo,ParameterName,ParameterData) Values (1,2,'x.y','1')");
   const auto page = Succeed({"draw", "leave", "--editable"});
   EXPECT_THAT(page, HasSubstr("parameter's name is none: 2</p>"));
@@ -107,7 +107,7 @@ TEST_F(DrawTest, AStepWithAParameterThatNoFieldCanHoldIsNotAdmitted) {
 }
 
 TEST_F(DrawTest, NamesCannotEndTheScriptArrays) {
-  Import("leave", kSteps);
+  Import("leave", kDrawnSteps);
   Run("Update WorkFlowName Set FlowName='</script><script>\"', Creater='a\\' Where FlowID=1");
   const auto page = Succeed({"draw", "1"});
   EXPECT_THAT(page, HasSubstr(R"(FlowBaseInfArr[0]="\x3C/script>\x3Cscript>\"";FlowBaseInfArr[1]="a\\";)"));
@@ -116,7 +116,7 @@ TEST_F(DrawTest, NamesCannotEndTheScriptArrays) {
 }
 
 TEST_F(DrawTest, BytesThatAreNoTextBecomeReplacements) {
-  Import("leave", kSteps);
+  Import("leave", kDrawnSteps);
   Run("Update WorkFlowConstruction Set Remark=Cast(X'41FF42' as text) Where FlowNo=1");
   const auto page = Succeed({"draw", "1"});
   EXPECT_THAT(page, AllOf(HasSubstr("A\uFFFDB"), Not(HasSubstr("\xFF"))));
@@ -124,7 +124,7 @@ TEST_F(DrawTest, BytesThatAreNoTextBecomeReplacements) {
 
 TEST_F(DrawTest, WhatCannotBeDrawnIsTold) {
   EXPECT_EQ(Fail(1, {"draw", "7"}), "talmflow: there is no flow 7\n");
-  Import("leave", kSteps);
+  Import("leave", kDrawnSteps);
   EXPECT_THAT(Fail(1, {"draw", "1", "-o", "no/where.html"}), HasSubstr("cannot write \"no/where.html\": "));
   EXPECT_THAT(Talmflow({"draw", "1", "--svg", "--editable"}).status, 2);
   EXPECT_THAT(Talmflow({"draw", "1", "--instance", "1"}).status, 2);

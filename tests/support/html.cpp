@@ -14,11 +14,11 @@ constexpr std::array<std::string_view, 4> kWithoutEnd = {"br", "hr", "img", "inp
 constexpr std::array<std::string_view, 2> kHoldTextOnly = {"script", "textarea"};
 
 /// Where elements may stand.
-struct Place {
+struct AllowedParent {
   std::string_view element;
   std::string_view parent;
 };
-constexpr std::array<Place, 6> kPlaces = {
+constexpr std::array<AllowedParent, 6> kPlaces = {
     {{"tr", "table"}, {"td", "tr"}, {"th", "tr"}, {"option", "select"}, {"li", "ul"}, {"tspan", "text"}}};
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -96,7 +96,7 @@ class Reader {
   }
 
   void Begin(const std::string& name) {
-    for (const Place& place : kPlaces) {
+    for (const AllowedParent& place : kPlaces) {
       if (name == place.element && Parent() != place.parent)
         return Fault("<" + name + "> stands in <" + Parent() + ">");
     }
