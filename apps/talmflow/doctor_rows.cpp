@@ -104,8 +104,8 @@ std::string Rows(const std::vector<Row>& rows) {
 
 std::string StatementOf(const RowCheck& check) {
   const auto key = std::string("x.") + check.key;
-  return "Select Top " + std::to_string(kMost + 1) + " " + key + " From " + check.table + " x Where " + check.condition +
-         " Order By " + key;
+  return "Select Top " + std::to_string(kMost + 1) + " " + key + " From " + check.table + " x Where " +
+         check.condition + " Order By " + key;
 }
 
 void ExamineDefinitions(Workspace& workspace, Ailments& ailments) {
