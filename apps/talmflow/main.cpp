@@ -2,6 +2,7 @@
 #include <iostream>
 #include <new>
 
+#include "manual_page.h"
 #include "subcommand.h"
 #include "workspace.h"
 
@@ -53,6 +54,7 @@ int Run(int argc, char** argv) {
   AddManualSubcommands(app, subcommands);
   AddLateBoundSubcommands(app, subcommands);
   AddShellSubcommands(app, subcommands);
+  AddManualPageSubcommands(app, subcommands);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
