@@ -5,7 +5,7 @@ JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 120
 CMAKE_BUILD = cmake --build build --parallel $(JOBS)
 
-.PHONY: help run test test-cluster test-windows soak build bench fuzz lint format docs reference clean asan tsan valgrind coverage
+.PHONY: help run test package test-cluster test-windows soak build bench fuzz lint format docs reference clean asan tsan valgrind coverage
 
 help:  ## list the targets
 	@awk -F':.*## ' '/^[a-z-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
@@ -23,6 +23,7 @@ test:  ## set everything up, build, and pass all checks and tests
 	cmake --preset release -DTALM_FLOW_TESTS=ON -DTALM_FLOW_BENCHMARKS=ON
 	$(CMAKE_BUILD)
 	ctest --test-dir build --output-on-failure --parallel $(JOBS)
+	cat build/package/*_sizes.txt
 	tools/fuzz --total 60 --seed 1 --jobs $(JOBS)
 	tools/lint build
 
@@ -31,6 +32,11 @@ soak:  ## the tests of hosts that work at the same time and are killed, at their
 	cmake --preset release -DTALM_FLOW_TESTS=ON -DTALM_FLOW_BENCHMARKS=OFF
 	$(CMAKE_BUILD)
 	TALM_FLOW_SOAK=1 ctest --test-dir build --output-on-failure --tests-regex '^concurrency'
+
+package: build  ## Debian packages of the libraries and the program, in build/packages
+	tools/setup package
+	cmake --preset release
+	cpack --config build/CPackConfig.cmake -G DEB -B build/packages
 
 bench:  ## build and run the benchmarks
 	tools/setup test

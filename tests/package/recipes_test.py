@@ -12,9 +12,9 @@ BUILD_TEXT = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
 VERSION = re.search(r"^project\(TALM_Flow VERSION ([0-9.]+) ", BUILD_TEXT, re.M).group(1)
 ADAPTERS = {name.lower() for name in
             re.search(r"^foreach\(adapter ([A-Z ]+)\)", BUILD_TEXT, re.M).group(1).split()}
-# The project's own options; fuzzers are nothing for a package.
-OPTIONS = set(re.findall(r"^option\((\w+) ", BUILD_TEXT, re.M)) - {"TALM_FLOW_FUZZERS"} | {
-    f"TALM_FLOW_{name.upper()}" for name in ADAPTERS}
+# The project's own options; fuzzers and counters are nothing for a package.
+OPTIONS = (set(re.findall(r"^option\((\w+) ", BUILD_TEXT, re.M)) - {"TALM_FLOW_FUZZERS", "TALM_FLOW_COVERAGE"}
+           | {f"TALM_FLOW_{name.upper()}" for name in ADAPTERS})
 
 
 class VcpkgTest(unittest.TestCase):

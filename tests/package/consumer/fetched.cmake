@@ -1,0 +1,5 @@
+set(TALM_FLOW_POSTGRESQL OFF)
+set(TALM_FLOW_ODBC OFF)
+include(FetchContent)
+FetchContent_Declare(talm_flow SOURCE_DIR ${TALM_FLOW_FOLDER} BINARY_DIR ${CMAKE_BINARY_DIR}/talm_flow)
+FetchContent_MakeAvailable(talm_flow)

@@ -1,0 +1,3 @@
+set(TALM_FLOW_POSTGRESQL OFF)
+set(TALM_FLOW_ODBC OFF)
+add_subdirectory(${TALM_FLOW_FOLDER} talm_flow EXCLUDE_FROM_ALL)
