@@ -69,8 +69,14 @@ else()
   file(RELATIVE_PATH talm_flow_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
   string(REGEX REPLACE "/$" "" talm_flow_prefix "\${pcfiledir}/${talm_flow_prefix}")
 endif()
-configure_file(${CMAKE_CURRENT_LIST_DIR}/talm_flow.pc.in talm_flow.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/talm_flow.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+set(talm_flow_descriptions talm_flow.pc)
+if(TARGET talm_flow_loader)
+  list(APPEND talm_flow_descriptions talm_flow_loader.pc)
+endif()
+foreach(description ${talm_flow_descriptions})
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/${description}.in ${description} @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${description} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endforeach()
 
 # The program, and what it tells of itself: its manual page and the words that shells complete. Where what is built
 # cannot run, the two are left out.

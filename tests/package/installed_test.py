@@ -47,6 +47,32 @@ class FoundTest(PackageTest):
         self.assertEqual(told, (source / "expected.txt").read_text(encoding="utf-8"))
 
 
+class LoaderTest(PackageTest):
+    """The example host in C, which no C++ compiler sees."""
+
+    SOURCE = PREFIX / "share/doc/TALM_Flow/examples/component_from_c"
+
+    def run_it(self, program, folder):
+        told = self.succeed(program, PREFIX / LIBDIR / "libtalm_flow.so", folder / "office.db",
+                            environment={"XDG_DATA_HOME": str(folder / "data")})
+        self.assertEqual(told, (self.SOURCE / "expected.txt").read_text(encoding="utf-8"))
+
+    def test_a_host_in_c_finds_the_loader(self):
+        folder = self.empty("loader")
+        self.succeed("cmake", "-S", self.SOURCE, "-B", folder / "build", f"-DCMAKE_PREFIX_PATH={PREFIX}")
+        self.succeed("cmake", "--build", folder / "build")
+        self.run_it(folder / "build/component_from_c", folder)
+        self.assertIn("libtalm_flow_loader.so", self.libraries_of(folder / "build/component_from_c"))
+
+    def test_a_host_in_c_is_built_with_pkg_config(self):
+        folder = self.empty("loader_pkg_config")
+        where = {"PKG_CONFIG_PATH": str(PREFIX / LIBDIR / "pkgconfig")}
+        flags = self.succeed("pkg-config", "--cflags", "--libs", "talm_flow_loader", environment=where).split()
+        self.succeed("cc", "-std=c11", "-Wall", "-Wextra", "-Werror", self.SOURCE / "main.c", "-o", folder / "host",
+                     *flags, "-ldl", f"-Wl,-rpath,{PREFIX / LIBDIR}")
+        self.run_it(folder / "host", folder)
+
+
 class AskedTest(PackageTest):
     """What a project asks of the package, and is told."""
 
