@@ -35,7 +35,6 @@ soak:  ## the tests of hosts that work at the same time and are killed, at their
 
 package: build  ## Debian packages of the libraries and the program, in build/packages
 	tools/setup package
-	cmake --preset release
 	cpack --config build/CPackConfig.cmake -G DEB -B build/packages
 
 bench:  ## build and run the benchmarks

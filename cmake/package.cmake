@@ -60,6 +60,7 @@ foreach(library libtalm_flow libtalm_flow_loader)
   string(APPEND shlibs "${library} ${talm_flow_soversion} ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (>= ${PROJECT_VERSION})\n")
 endforeach()
 file(WRITE ${control}/shlibs "${shlibs}")
+set(CPACK_TALM_FLOW_SHLIBS ${control}/shlibs)
 file(WRITE ${control}/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${control}/shlibs ${control}/triggers)
 

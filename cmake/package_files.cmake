@@ -29,7 +29,14 @@ function(find_dependencies variable root)
   if(libraries OR programs)
     set(folder ${CPACK_TEMPORARY_DIRECTORY}/dependencies)
     file(WRITE ${folder}/debian/control "Source: talm-flow\n\nPackage: talm-flow\nArchitecture: any\n")
-    execute_process(COMMAND dpkg-shlibdeps -O ${libraries} ${programs} WORKING_DIRECTORY ${folder}
+    # A program may be linked with the shared library, which is in another one of these packages.
+    configure_file(${CPACK_TALM_FLOW_SHLIBS} ${folder}/debian/shlibs.local COPYONLY)
+    set(usr ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/library/usr)
+    file(GLOB own ${usr}/lib/*.so.* ${usr}/lib/*/*.so.*)
+    list(TRANSFORM own REPLACE "/[^/]*$" "")
+    list(REMOVE_DUPLICATES own)
+    list(TRANSFORM own PREPEND -l)
+    execute_process(COMMAND dpkg-shlibdeps -O ${own} ${libraries} ${programs} WORKING_DIRECTORY ${folder}
                     OUTPUT_VARIABLE found COMMAND_ERROR_IS_FATAL ANY)
     string(REGEX REPLACE "^shlibs:Depends=|\n" "" found "${found}")
     set(${variable} ${found} PARENT_SCOPE)

@@ -4,11 +4,9 @@
 import re
 import unittest
 
-from support import BUILD, CONSUMER, LIBDIR, ROOT, PackageTest, tell
+from support import BUILD, CONSUMER, LIBDIR, SOVERSION, VERSION, PackageTest, tell
 
-VERSION = re.search(r"^project\(TALM_Flow VERSION ([0-9.]+) ", (ROOT / "CMakeLists.txt").read_text(encoding="utf-8"),
-                    re.M).group(1)
-LIBRARY = "libtalm-flow0.1"
+LIBRARY = f"libtalm-flow{SOVERSION}"
 NAMES = {LIBRARY, "libtalm-flow-dev", "talmflow"}
 
 
@@ -43,8 +41,8 @@ class DebianTest(PackageTest):
 
     def test_each_holds_what_belongs_into_it(self):
         library, development, program = (self.files(name) for name in (LIBRARY, "libtalm-flow-dev", "talmflow"))
-        self.assertIn(f"usr/{LIBDIR}/libtalm_flow.so.0.1", library)
-        self.assertIn(f"usr/{LIBDIR}/libtalm_flow_loader.so.0.1", library)
+        self.assertIn(f"usr/{LIBDIR}/libtalm_flow.so.{SOVERSION}", library)
+        self.assertIn(f"usr/{LIBDIR}/libtalm_flow_loader.so.{SOVERSION}", library)
         self.assertIn(f"usr/{LIBDIR}/libtalm_flow.so", development)
         self.assertIn(f"usr/{LIBDIR}/libtalm_flow.a", development)
         self.assertIn(f"usr/{LIBDIR}/pkgconfig/talm_flow.pc", development)
@@ -63,7 +61,8 @@ class DebianTest(PackageTest):
             self.assertIn(driver, self.field(LIBRARY, "Depends"))
             self.assertIn(driver, self.field("talmflow", "Depends"))
         self.assertEqual(self.succeed("dpkg-deb", "-I", self.packages[LIBRARY], "shlibs"),
-                         f"libtalm_flow 0.1 {LIBRARY} (>= {VERSION})\nlibtalm_flow_loader 0.1 {LIBRARY} (>= {VERSION})\n")
+                         "".join(f"{library} {SOVERSION} {LIBRARY} (>= {VERSION})\n"
+                                 for library in ("libtalm_flow", "libtalm_flow_loader")))
         self.assertEqual(self.succeed("dpkg-deb", "-I", self.packages[LIBRARY], "triggers"),
                          "activate-noawait ldconfig\n")
 
@@ -78,7 +77,7 @@ class DebianTest(PackageTest):
         folder = self.empty("debian_consumer")
         told = self.build_and_run(CONSUMER, folder, "-DCONSUMER_WAY=found", f"-DCMAKE_PREFIX_PATH={self.root}/usr")
         self.assertEqual(told, "42 DatabaseError\n")
-        self.assertIn("libtalm_flow.so.0.1", self.libraries_of(folder / "consumer"))
+        self.assertIn(f"libtalm_flow.so.{SOVERSION}", self.libraries_of(folder / "consumer"))
         self.assertEqual(self.succeed(self.root / "usr/bin/talmflow", "--version"), f"talmflow {VERSION}\n")
 
     def test_they_pass_the_distributions_checker(self):

@@ -5,13 +5,7 @@ import re
 import shutil
 import unittest
 
-from support import BUILD, LIBDIR, PREFIX, ROOT, PackageTest, sizes, tell, words
-
-VERSION = re.search(r"^project\(TALM_Flow VERSION ([0-9.]+) ", (ROOT / "CMakeLists.txt").read_text(encoding="utf-8"),
-                    re.M).group(1)
-MAJOR, MINOR, _ = VERSION.split(".")
-# Before version 1 another MINOR is another library.
-SOVERSION = f"0.{MINOR}" if MAJOR == "0" else MAJOR
+from support import BUILD, LIBDIR, PREFIX, ROOT, SOVERSION, VERSION, PackageTest, sizes, tell, words
 
 
 class InstallTest(PackageTest):

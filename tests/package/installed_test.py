@@ -5,7 +5,8 @@ import concurrent.futures
 import shutil
 import unittest
 
-from support import BUILD, CONSUMER, CXX, LIBDIR, PREFIX, ROOT, SCRATCH, PackageTest, run
+from support import (BUILD, CONSUMER, CXX, LIBDIR, MAJOR, MINOR, PATCH, PREFIX, ROOT, SCRATCH, VERSION, PackageTest,
+                     run)
 
 # What a consumer prints when all went well.
 TOLD = "42 DatabaseError\n"
@@ -128,12 +129,14 @@ class AskedTest(PackageTest):
         self.assertEqual(done.returncode, 0, done.stdout)
         self.assertIn("oracle: FALSE\n", done.stdout)
 
-    def test_another_minor_version_is_refused_before_version_1(self):
-        self.assert_refused("find_package(TALM_Flow 0.2 REQUIRED)", "version: 0.1.0")
-        self.assert_refused("find_package(TALM_Flow 0.0.9 REQUIRED)", "version: 0.1.0")
-        self.assert_refused("find_package(TALM_Flow 1.0 REQUIRED)", "version: 0.1.0")
-        self.assert_refused("find_package(TALM_Flow 0.1.1 REQUIRED)", "version: 0.1.0")
-        self.assertEqual(self.ask("find_package(TALM_Flow 0.1.0 EXACT REQUIRED)").returncode, 0)
+    def test_versions_that_do_not_fit_are_refused(self):
+        for version in (f"{MAJOR}.{MINOR + 1}", f"{MAJOR + 1}.0", f"{MAJOR}.{MINOR}.{PATCH + 1}"):
+            self.assert_refused(f"find_package(TALM_Flow {version} REQUIRED)", f"version: {VERSION}")
+        self.assertEqual(self.ask(f"find_package(TALM_Flow {VERSION} EXACT REQUIRED)").returncode, 0)
+
+    def test_before_version_1_an_older_minor_version_is_not_enough(self):
+        self.assertEqual(MAJOR, 0, "from version 1 on an older MINOR is enough: tell that here")
+        self.assert_refused(f"find_package(TALM_Flow 0.{MINOR - 1}.9 REQUIRED)", f"version: {VERSION}")
 
     def test_a_driver_that_the_static_library_needs_is_named(self):
         self.assert_refused("find_package(TALM_Flow REQUIRED COMPONENTS static)",
@@ -148,7 +151,7 @@ class PkgConfigTest(PackageTest):
     def test_a_host_is_built_with_pkg_config(self):
         folder = self.empty("pkg_config")
         where = {"PKG_CONFIG_PATH": str(PREFIX / LIBDIR / "pkgconfig")}
-        flags = self.succeed("pkg-config", "--cflags", "--libs", "talm_flow >= 0.1", environment=where).split()
+        flags = self.succeed("pkg-config", "--cflags", "--libs", f"talm_flow >= {VERSION}", environment=where).split()
         self.succeed(CXX, "-std=c++20", "-O0", *WARNINGS, CONSUMER / "main.cpp", "-o", folder / "consumer", *flags,
                      f"-Wl,-rpath,{PREFIX / LIBDIR}")
         self.assertEqual(self.succeed(folder / "consumer"), TOLD)
@@ -192,7 +195,7 @@ class ReadmeTest(PackageTest):
         home = self.empty("home")
         (home / "build").symlink_to(BUILD)
         told = self.succeed("bash", "-euc", commands, cwd=home, environment={"HOME": str(home)})
-        self.assertIn("talmflow 0.1.0", told)
+        self.assertIn(f"talmflow {VERSION}\n", told)
         self.assertTrue((home / "talm_flow" / LIBDIR / "libtalm_flow.a").is_file())
 
 

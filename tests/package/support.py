@@ -9,6 +9,7 @@
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import unittest
@@ -19,6 +20,11 @@ PREFIX = pathlib.Path(os.environ["TALM_FLOW_PREFIX"])
 SCRATCH = pathlib.Path(os.environ["TALM_FLOW_SCRATCH"])
 LIBDIR = os.environ["TALM_FLOW_LIBDIR"]
 CXX = os.environ["TALM_FLOW_CXX"]
+VERSION = re.search(r"^project\(TALM_Flow VERSION ([0-9.]+) ", (ROOT / "CMakeLists.txt").read_text(encoding="utf-8"),
+                    re.M).group(1)
+MAJOR, MINOR, PATCH = (int(number) for number in VERSION.split("."))
+# Before version 1 another MINOR is another library.
+SOVERSION = f"0.{MINOR}" if MAJOR == 0 else f"{MAJOR}"
 CONSUMER = ROOT / "tests/package/consumer"
 
 # What may lead to another installation than the tested one.
