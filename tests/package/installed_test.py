@@ -53,9 +53,9 @@ class LoaderTest(PackageTest):
 
     SOURCE = PREFIX / "share/doc/TALM_Flow/examples/component_from_c"
 
-    def run_it(self, program, folder):
+    def run_it(self, program, folder, **environment):
         told = self.succeed(program, PREFIX / LIBDIR / "libtalm_flow.so", folder / "office.db",
-                            environment={"XDG_DATA_HOME": str(folder / "data")})
+                            environment={"XDG_DATA_HOME": str(folder / "data"), **environment})
         self.assertEqual(told, (self.SOURCE / "expected.txt").read_text(encoding="utf-8"))
 
     def test_a_host_in_c_finds_the_loader(self):
@@ -72,6 +72,15 @@ class LoaderTest(PackageTest):
         self.succeed("cc", "-std=c11", "-Wall", "-Wextra", "-Werror", self.SOURCE / "main.c", "-o", folder / "host",
                      *flags, "-ldl", f"-Wl,-rpath,{PREFIX / LIBDIR}")
         self.run_it(folder / "host", folder)
+        self.run_beside_another_server(folder)
+
+    def run_beside_another_server(self, folder):
+        """A process may hold more than one component server, and all have the same entry points."""
+        names = ("DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer")
+        (folder / "other.c").write_text("".join(f"int {name}(void) {{ return -1; }}\n" for name in names))
+        self.succeed("cc", "-shared", "-fPIC", folder / "other.c", "-o", folder / "other.so")
+        (folder / "office.db").unlink()
+        self.run_it(folder / "host", folder, LD_PRELOAD=str(folder / "other.so"))
 
 
 class AskedTest(PackageTest):
