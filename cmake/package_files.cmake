@@ -63,6 +63,16 @@ foreach(component ${CPACK_COMPONENTS_ALL})
        "talm-flow (${version}) UNRELEASED; urgency=medium\n\n  * Packages made from the sources, by their own build.\n\n"
        " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
   compress(${documents}/changelog.Debian)
+  # Everybody may read, whatever mask this runs under.
+  file(CHMOD ${documents}/copyright ${documents}/changelog.gz ${documents}/changelog.Debian.gz
+       PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+  file(GLOB_RECURSE entries LIST_DIRECTORIES true ${root}/*)
+  foreach(entry ${root} ${entries})
+    if(IS_DIRECTORY ${entry})
+      file(CHMOD ${entry} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ
+                                      WORLD_EXECUTE)
+    endif()
+  endforeach()
   find_dependencies(CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS ${root})
   file(GLOB pages ${root}/share/man/man1/*.1)
   foreach(page ${pages})
