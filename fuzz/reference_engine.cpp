@@ -13,7 +13,7 @@ struct Finalizer {
   void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
 
-std::string FieldText(sqlite3_stmt* statement, int column) {
+std::string ColumnText(sqlite3_stmt* statement, int column) {
   const auto bytes = [&](const void* begin) {
     const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
     return "text " + (size == 0 ? std::string() : std::string(static_cast<const char*>(begin), size));
@@ -58,7 +58,7 @@ std::optional<Given> ReferenceEngine::Run(const std::string& statement) {
   int result = SQLITE_ROW;
   while ((result = sqlite3_step(prepared)) == SQLITE_ROW) {
     auto& row = given.rows.emplace_back();
-    for (int i = 0; i < columns; ++i) row.push_back(FieldText(prepared, i));
+    for (int i = 0; i < columns; ++i) row.push_back(ColumnText(prepared, i));
   }
   if (result != SQLITE_DONE) return std::nullopt;
   return given;

@@ -33,10 +33,6 @@ std::string Heading(const Finding& finding, const std::string& source) {
   return heading + ":";
 }
 
-std::string Counted(std::size_t count, const char* noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 class Check : public Subcommand {
  public:
   explicit Check(CLI::App& parent)

@@ -116,7 +116,7 @@ void PrintPage(const CommandDescription& command) {
 }
 
 /// A text as Markdown shows it literally, inside a table too.
-std::string Escaped(std::string_view text) {
+std::string MarkdownText(std::string_view text) {
   std::string escaped;
   for (const char c : text) {
     if (c == '<') {
@@ -131,13 +131,13 @@ std::string Escaped(std::string_view text) {
 
 void PrintMarkdownOf(const CommandDescription& command) {
   std::cout << "\n## " << command.name << " " << command.title << "\n\n"
-            << Escaped(command.summary) << ' ' << ToldEffect(command);
+            << MarkdownText(command.summary) << ' ' << ToldEffect(command);
   if (command.run_cap) std::cout << ' ' << kRunCap;
   std::cout << '\n';
   if (!command.parameters.empty()) std::cout << "\n| Parameter | Title | How it is taken |\n|---|---|---|\n";
   for (std::size_t i = 0; i < command.parameters.size(); ++i) {
-    std::cout << "| `" << ParameterName(command, i) << "` | " << Escaped(command.parameters[i].title) << " | "
-              << Escaped(HowTaken(command.parameters[i])) << " |\n";
+    std::cout << "| `" << ParameterName(command, i) << "` | " << MarkdownText(command.parameters[i].title) << " | "
+              << MarkdownText(HowTaken(command.parameters[i])) << " |\n";
   }
   std::cout << "\n```\n" << ExampleStep(command) << "```\n";
 }
@@ -152,8 +152,8 @@ void PrintMarkdown(const std::vector<CommandDescription>& all) {
                "is missing or empty makes the command do nothing; `talmflow check` reports it.\n"
                "\n| Command | Title | Children | Summary |\n|---|---|---|---|\n";
   for (const auto& command : all) {
-    std::cout << "| `" << command.name << "` | " << Escaped(command.title) << " | " << ShortEffect(command) << " | "
-              << Escaped(command.summary) << " |\n";
+    std::cout << "| `" << command.name << "` | " << MarkdownText(command.title) << " | " << ShortEffect(command)
+              << " | " << MarkdownText(command.summary) << " |\n";
   }
   for (const auto& command : all) PrintMarkdownOf(command);
 }

@@ -8,10 +8,6 @@
 namespace talm_flow::program {
 namespace {
 
-std::string Counted(std::ptrdiff_t count, const char* noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 Json AilmentsAsJson(const Ailments& ailments) {
   Json json = Json::array();
   for (const auto& ailment : ailments) {
@@ -24,7 +20,7 @@ Json AilmentsAsJson(const Ailments& ailments) {
   return json;
 }
 
-void Print(const Ailments& ailments, std::ptrdiff_t errors) {
+void PrintAilments(const Ailments& ailments, std::size_t errors) {
   for (const auto& ailment : ailments) {
     std::cout << (ailment.is_error ? "error, " : "warning, ") << ailment.kind << ": " << ailment.table << ": "
               << Printable(ailment.problem) << "\n    " << ailment.advice << '\n';
@@ -32,8 +28,7 @@ void Print(const Ailments& ailments, std::ptrdiff_t errors) {
   if (ailments.empty()) {
     std::cout << "The database is sound.\n";
   } else {
-    std::cout << Counted(errors, "error") << ", "
-              << Counted(static_cast<std::ptrdiff_t>(ailments.size()) - errors, "warning") << ".\n";
+    std::cout << Counted(errors, "error") << ", " << Counted(ailments.size() - errors, "warning") << ".\n";
   }
 }
 
@@ -58,12 +53,12 @@ class Doctor : public Subcommand {
       auto of_rows = ExamineRows(workspace);
       std::move(of_rows.begin(), of_rows.end(), std::back_inserter(ailments));
     }
-    const auto errors =
-        std::count_if(ailments.begin(), ailments.end(), [](const Ailment& ailment) { return ailment.is_error; });
+    const auto errors = static_cast<std::size_t>(
+        std::count_if(ailments.begin(), ailments.end(), [](const Ailment& ailment) { return ailment.is_error; }));
     if (options.json) {
       std::cout << Dump(AilmentsAsJson(ailments), 2) << '\n';
     } else {
-      Print(ailments, errors);
+      PrintAilments(ailments, errors);
     }
     status_ = errors > 0 ? 1 : 0;
   }

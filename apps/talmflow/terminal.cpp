@@ -72,6 +72,10 @@ std::string Printable(std::string_view text) {
   return result;
 }
 
+std::string Counted(std::size_t count, const char* noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 std::string Bold(const std::string& text) { return Marked("1", text); }
 
 std::string Dim(const std::string& text) { return Marked("2", text); }

@@ -15,6 +15,9 @@ namespace talm_flow::program {
 /// cannot steer the terminal.
 [[nodiscard]] std::string Printable(std::string_view text);
 
+/// "1 error", "2 errors": `noun` is the word for one.
+[[nodiscard]] std::string Counted(std::size_t count, const char* noun);
+
 /// The text emphasised, or set back, when standard output is a terminal that may show colours.
 [[nodiscard]] std::string Bold(const std::string& text);
 [[nodiscard]] std::string Dim(const std::string& text);

@@ -21,7 +21,7 @@ std::string_view Field(const PGresult* result, int row, int column) {
 }
 
 template <typename Number>
-Number NumberOf(std::string_view digits) {
+Number NumberFrom(std::string_view digits) {
   Number number = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), number);
   return number;

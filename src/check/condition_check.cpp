@@ -35,7 +35,7 @@ bool HoldsWordWithoutBlanks(std::string_view token) {
   return false;
 }
 
-struct Comparison {
+struct ComparedName {
   std::string_view field;
   std::string_view value;
 };
@@ -71,7 +71,7 @@ class ConditionReader {
     return !operand_due && open == 0;
   }
 
-  [[nodiscard]] const std::vector<Comparison>& comparisons() const { return comparisons_; }
+  [[nodiscard]] const std::vector<ComparedName>& comparisons() const { return comparisons_; }
   [[nodiscard]] const std::vector<std::string>& tokens() const { return tokens_; }
   /// The first token that could not be taken; the empty text at the end.
   [[nodiscard]] std::string_view Refused() const {
@@ -92,7 +92,7 @@ class ConditionReader {
   std::vector<std::string> tokens_;
   commands::StoredSpelling spelling_;
   std::size_t next_ = 0;
-  std::vector<Comparison> comparisons_;
+  std::vector<ComparedName> comparisons_;
 };
 
 void TellUnparsed(const ConditionReader& reader, std::string_view condition, const ExpressionContext& context) {
@@ -109,7 +109,7 @@ void TellUnparsed(const ConditionReader& reader, std::string_view condition, con
              : "Write comparisons, \"field >= value\", joined by \" and \", \" or \" and parentheses.");
 }
 
-void CheckValue(const Comparison& comparison, const ExpressionContext& context) {
+void CheckValue(const ComparedName& comparison, const ExpressionContext& context) {
   const auto value = CheckExpression(comparison.value, context);
   if (!value) return;
   const bool wrong_id = EqualIgnoringAsciiCase(comparison.field, "id") && !IsNumeric(*value);
@@ -127,7 +127,7 @@ void CheckValue(const Comparison& comparison, const ExpressionContext& context) 
 void CheckCondition(std::string_view condition, const ExpressionContext& context) {
   ConditionReader reader(condition);
   if (!reader.Read()) return TellUnparsed(reader, condition, context);
-  for (const Comparison& comparison : reader.comparisons()) CheckValue(comparison, context);
+  for (const ComparedName& comparison : reader.comparisons()) CheckValue(comparison, context);
 }
 
 }  // namespace talm_flow::check

@@ -22,7 +22,7 @@ struct TaskTexts {
   std::string information;
 };
 
-std::string ButtonText(const Step& step, int k, std::string_view usual_text) {
+std::string ShownButtonText(const Step& step, int k, std::string_view usual_text) {
   std::string text = EvaluatedOrStored(step, k);
   if (text.empty()) text = usual_text;
   text.resize(FirstCharacters(text, kMaxButton).size());
@@ -67,7 +67,7 @@ Outcome C_2(Step& step) {
   if (!form || !step.host().tables.AcceptsApprovalForm(step.connection(), *form)) return Outcome::Done();
   TaskTexts texts;
   texts.title = EvaluatedAndCut(step, 4, kMaxNotice);
-  texts.button = ButtonText(step, 5, "审批");
+  texts.button = ShownButtonText(step, 5, "审批");
   texts.edit_flag = EditFlag(step, 6);
   const std::int32_t time_limit = Count(step, 7);
   texts.information = EvaluatedAndCut(step, 8, kMaxNotice);
@@ -98,7 +98,7 @@ Outcome C_3(Step& step) {
   const std::string people = step.Evaluated(2);
   TaskTexts texts;
   texts.title = EvaluatedAndCut(step, 4, kMaxNotice);
-  texts.button = ButtonText(step, 5, "附加");
+  texts.button = ShownButtonText(step, 5, "附加");
   texts.edit_flag = EditFlag(step, 6);
   texts.information = EvaluatedAndCut(step, 7, kMaxNotice);
 
@@ -132,7 +132,7 @@ Outcome C_97(Step& step) {
   const std::string people = step.Evaluated(3);
   TaskTexts texts;
   texts.title = EvaluatedAndCut(step, 4, kMaxNotice);
-  texts.button = ButtonText(step, 5, "填写");
+  texts.button = ShownButtonText(step, 5, "填写");
   texts.edit_flag = EditFlag(step, 6);
   const std::int32_t time_limit = Count(step, 7);
   texts.information = EvaluatedAndCut(step, 8, kMaxNotice);

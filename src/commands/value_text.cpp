@@ -22,9 +22,9 @@ std::optional<std::string> WithoutOuterBlanks(const Step&, std::string_view valu
 std::optional<std::string> InUpperCase(const Step&, std::string_view value) { return UpperCase(value); }
 std::optional<std::string> InLowerCase(const Step&, std::string_view value) { return LowerCase(value); }
 
-std::string Flag(bool flag) { return flag ? "1" : "0"; }
-std::optional<std::string> NumericFlag(const Step&, std::string_view value) { return Flag(IsNumeric(value)); }
-std::optional<std::string> DateFlag(const Step&, std::string_view value) { return Flag(IsDate(value)); }
+std::string FlagText(bool flag) { return flag ? "1" : "0"; }
+std::optional<std::string> NumericFlag(const Step&, std::string_view value) { return FlagText(IsNumeric(value)); }
+std::optional<std::string> DateFlag(const Step&, std::string_view value) { return FlagText(IsDate(value)); }
 
 /// Parameter k, evaluated, as a whole number; nothing when it is not numeric.
 std::optional<std::int32_t> NumberParameter(const Step& step, int k) {

@@ -39,7 +39,7 @@ std::string WithLineEnds(std::string_view text) {
   return result;
 }
 
-std::string Text(std::string_view body) {
+std::string Definition(std::string_view body) {
   return WithLineEnds("//\nVer:Flow_V600\nFlowBegin\n" + std::string(body) + "FlowEnd\n");
 }
 
@@ -65,47 +65,48 @@ std::string Input(std::string_view title, std::string_view order, std::string_vi
          "\nSort:" + std::string(sort) + "\nClassContent:" + std::string(content) + "\nFunctionParameterEnd\n";
 }
 
-std::vector<std::string> Between(std::string_view before, std::string_view after) {
-  const auto first = Text(before);
-  const auto second = Text(after);
+std::vector<std::string> ChangesBetween(std::string_view before, std::string_view after) {
+  const auto first = Definition(before);
+  const auto second = Definition(after);
   return Lines(CompareDefinitions(std::string_view(first), std::string_view(second)));
 }
 
 TEST(DefinitionDiffTest, ATextIsLikeItself) {
   const auto body = "FlowRemark:x\n" + Step("1", "0", "1", "a", "C_2", "C_2_1:v\n") + Input("t", "1", "2", "");
-  EXPECT_THAT(Between(body, body), IsEmpty());
+  EXPECT_THAT(ChangesBetween(body, body), IsEmpty());
 }
 
 TEST(DefinitionDiffTest, EveryAttributeOfAStepIsCompared) {
-  EXPECT_THAT(Between(Step("1", "0", "1", "", "C_22") + Step("2", "1", "2", "a", "C_22"),
-                      Step("1", "0", "1", "", "C_22") + Step("2", "3", "5", "b", "C_23") + Step("3", "1", "3", "", "")),
-              ElementsAre("moved step|2||1|3", "changed caption|2||a|b", "changed command|2||C_22|C_23",
-                          "changed serial|2||2|5", "added step|3", "added command|3", "added serial|3|||3"));
+  EXPECT_THAT(
+      ChangesBetween(Step("1", "0", "1", "", "C_22") + Step("2", "1", "2", "a", "C_22"),
+                     Step("1", "0", "1", "", "C_22") + Step("2", "3", "5", "b", "C_23") + Step("3", "1", "3", "", "")),
+      ElementsAre("moved step|2||1|3", "changed caption|2||a|b", "changed command|2||C_22|C_23",
+                  "changed serial|2||2|5", "added step|3", "added command|3", "added serial|3|||3"));
 }
 
 TEST(DefinitionDiffTest, AnAddedStepBringsEverythingAlong) {
-  EXPECT_THAT(Between("", Step("4", "1", "9", "new", "C_22", "C_22_1:x\nC_22_2:1\n")),
+  EXPECT_THAT(ChangesBetween("", Step("4", "1", "9", "new", "C_22", "C_22_1:x\nC_22_2:1\n")),
               ElementsAre("added step|4|||new", "added command|4|||C_22", "added serial|4|||9",
                           "added parameter|4|C_22_1||x", "added parameter|4|C_22_2||1"));
 }
 
 TEST(DefinitionDiffTest, ARemovedStepIsOneChange) {
-  EXPECT_THAT(Between(Step("4", "1", "9", "old", "C_22", "C_22_1:x\n"), ""), ElementsAre("removed step|4||old"));
+  EXPECT_THAT(ChangesBetween(Step("4", "1", "9", "old", "C_22", "C_22_1:x\n"), ""), ElementsAre("removed step|4||old"));
 }
 
 TEST(DefinitionDiffTest, ParametersAreComparedByName) {
   EXPECT_THAT(
-      Between(Step("1", "0", "1", "", "C_22", "C_22_1:a\nC_22_2:b\n"),
-              Step("1", "0", "1", "", "C_22", "C_22_2:c\nC_22_3:d\n")),
+      ChangesBetween(Step("1", "0", "1", "", "C_22", "C_22_1:a\nC_22_2:b\n"),
+                     Step("1", "0", "1", "", "C_22", "C_22_2:c\nC_22_3:d\n")),
       ElementsAre("removed parameter|1|C_22_1|a", "changed parameter|1|C_22_2|b|c", "added parameter|1|C_22_3||d"));
 }
 
 TEST(DefinitionDiffTest, TheOrderOfParametersDoesNotCountButThatOfTheSameNameDoes) {
-  EXPECT_THAT(Between(Step("1", "0", "1", "", "C_22", "C_22_1:a\nC_22_2:b\n"),
-                      Step("1", "0", "1", "", "C_22", "C_22_2:b\nC_22_1:a\n")),
+  EXPECT_THAT(ChangesBetween(Step("1", "0", "1", "", "C_22", "C_22_1:a\nC_22_2:b\n"),
+                             Step("1", "0", "1", "", "C_22", "C_22_2:b\nC_22_1:a\n")),
               IsEmpty());
-  EXPECT_THAT(Between(Step("1", "0", "1", "", "C_22", "C_22_1:a\nC_22_1:b\n"),
-                      Step("1", "0", "1", "", "C_22", "C_22_1:b\nC_22_1:a\n")),
+  EXPECT_THAT(ChangesBetween(Step("1", "0", "1", "", "C_22", "C_22_1:a\nC_22_1:b\n"),
+                             Step("1", "0", "1", "", "C_22", "C_22_1:b\nC_22_1:a\n")),
               ElementsAre("changed parameter|1|C_22_1|a|b", "changed parameter|1|C_22_1|b|a"));
 }
 
@@ -113,58 +114,59 @@ TEST(DefinitionDiffTest, TheOrderInWhichChildrenRunCounts) {
   const auto step = [](std::string_view number, std::string_view parent) {
     return Step(number, parent, "1", "", "C_22");
   };
-  EXPECT_THAT(Between(step("1", "0") + step("2", "1") + step("3", "1") + step("4", "1") + step("9", "2"),
-                      step("9", "2") + step("1", "0") + step("3", "1") + step("5", "1") + step("2", "1")),
+  EXPECT_THAT(ChangesBetween(step("1", "0") + step("2", "1") + step("3", "1") + step("4", "1") + step("9", "2"),
+                             step("9", "2") + step("1", "0") + step("3", "1") + step("5", "1") + step("2", "1")),
               ElementsAre("removed step|4", "added step|5", "added command|5|||C_22", "added serial|5|||1",
                           "changed children|1||2,3|3,2"));
 }
 
 TEST(DefinitionDiffTest, StepsAreToldByNumberHoweverTheyStand) {
-  EXPECT_THAT(Between(Step("10", "0", "1", "", "C_1") + Step("9", "0", "1", "", "C_1"), ""),
+  EXPECT_THAT(ChangesBetween(Step("10", "0", "1", "", "C_1") + Step("9", "0", "1", "", "C_1"), ""),
               ElementsAre("removed step|9", "removed step|10"));
 }
 
 TEST(DefinitionDiffTest, NumbersCountByTheirValue) {
-  EXPECT_THAT(Between(Step("1", "0", "1", "", "C_1") + Input("t", "1", "2", ""),
-                      Step("01", "00", "1.0", "", "C_1") + Input("t", "01", " 2", "")),
+  EXPECT_THAT(ChangesBetween(Step("1", "0", "1", "", "C_1") + Input("t", "1", "2", ""),
+                             Step("01", "00", "1.0", "", "C_1") + Input("t", "01", " 2", "")),
               IsEmpty());
 }
 
 TEST(DefinitionDiffTest, TextsCountExactly) {
   EXPECT_THAT(
-      Between(Step("1", "0", "1", "a", "C_1", "C_1_1:x\n y\n"), Step("1", "0", "1", "a ", "c_1", "C_1_1:x\ny\n")),
+      ChangesBetween(Step("1", "0", "1", "a", "C_1", "C_1_1:x\n y\n"),
+                     Step("1", "0", "1", "a ", "c_1", "C_1_1:x\ny\n")),
       ElementsAre("changed caption|1||a|a ", "changed command|1||C_1|c_1", "changed parameter|1|C_1_1|x\r\n y|x\r\ny"));
 }
 
 TEST(DefinitionDiffTest, OfStepsWithOneNumberTheFirstBelongsToTheFirst) {
-  EXPECT_THAT(
-      Between(Step("1", "0", "1", "a", "C_1") + Step("1", "0", "1", "b", "C_1"), Step("1", "0", "1", "c", "C_1")),
-      ElementsAre("changed caption|1||a|c", "removed step|1||b"));
+  EXPECT_THAT(ChangesBetween(Step("1", "0", "1", "a", "C_1") + Step("1", "0", "1", "b", "C_1"),
+                             Step("1", "0", "1", "c", "C_1")),
+              ElementsAre("changed caption|1||a|c", "removed step|1||b"));
 }
 
 TEST(DefinitionDiffTest, TheFlowsRemarkIsCompared) {
-  EXPECT_THAT(Between("FlowRemark:a\nb\n", "FlowRemark:a\n"), ElementsAre("changed remark|||a\r\nb|a"));
+  EXPECT_THAT(ChangesBetween("FlowRemark:a\nb\n", "FlowRemark:a\n"), ElementsAre("changed remark|||a\r\nb|a"));
 }
 
 TEST(DefinitionDiffTest, ATextWithoutARemarkKeepsTheFlowsOwn) {
-  EXPECT_THAT(Between("FlowRemark:a\n", ""), IsEmpty());
-  EXPECT_THAT(Between("", "FlowRemark:a\n"), IsEmpty());
+  EXPECT_THAT(ChangesBetween("FlowRemark:a\n", ""), IsEmpty());
+  EXPECT_THAT(ChangesBetween("", "FlowRemark:a\n"), IsEmpty());
 }
 
 TEST(DefinitionDiffTest, InputParametersAreComparedByTitle) {
-  EXPECT_THAT(Between(Input("a", "1", "1", "x") + Input("b", "2", "1", ""),
-                      Input("b", "5", "1", "") + Input("a", "1", "4", "y")),
+  EXPECT_THAT(ChangesBetween(Input("a", "1", "1", "x") + Input("b", "2", "1", ""),
+                             Input("b", "5", "1", "") + Input("a", "1", "4", "y")),
               ElementsAre("changed sort||a|1|4", "changed content||a|x|y", "changed order||b|2|5"));
 }
 
 TEST(DefinitionDiffTest, InputParametersComeAndGo) {
-  EXPECT_THAT(Between(Input("a", "1", "1", ""), Input("b", "2", "5", "x,y")),
+  EXPECT_THAT(ChangesBetween(Input("a", "1", "1", ""), Input("b", "2", "5", "x,y")),
               ElementsAre("removed input||a|a", "added input||b||b", "added order||b||2", "added sort||b||5",
                           "added content||b||x,y"));
 }
 
 TEST(DefinitionDiffTest, AnInputParameterAtTheSamePlaceWasRenamed) {
-  EXPECT_THAT(Between(Input("Amount", "1", "2", ""), Input("金额", "1", "2", "")),
+  EXPECT_THAT(ChangesBetween(Input("Amount", "1", "2", ""), Input("金额", "1", "2", "")),
               ElementsAre("changed title||Amount|Amount|金额"));
 }
 
@@ -218,8 +220,8 @@ TEST(DefinitionDiffTest, CyclesAndDeepChainsAreComparedOnASmallStack) {
   for (int step = 2; step <= 32767; ++step) {
     chain += Step(std::to_string(step), std::to_string(step - 1), "1", "", "C_22");
   }
-  const auto before = Text(chain);
-  const auto after = Text(Step("1", "0", "1", "", "C_22") + chain.substr(chain.find("StepBegin", 1)));
+  const auto before = Definition(chain);
+  const auto after = Definition(Step("1", "0", "1", "", "C_22") + chain.substr(chain.find("StepBegin", 1)));
   RunOnSmallStack([&] {
     EXPECT_THAT(Lines(CompareDefinitions(std::string_view(before), std::string_view(after))),
                 ElementsAre("moved step|1||32767|0"));

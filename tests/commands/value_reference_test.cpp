@@ -14,7 +14,7 @@ const Operation kOtherRecord1{36, &Command::C_36};
 const Operation kOtherTable3{37, &Command::C_37};
 const Operation kOtherRecord3{38, &Command::C_38};
 const Operation kTableOfRecord{45, &Command::C_45};
-const Operation kRecord{46, &Command::C_46};
+const Operation kStoreRecord{46, &Command::C_46};
 const Operation kUnitValue{47, &Command::C_47};
 const Operation kAcceptedRecord{49, &Command::C_49};
 const Operation kAcceptedTable{50, &Command::C_50};
@@ -42,7 +42,7 @@ const std::vector<OneRun> kNoRecords = {
     {{"target", "DataID_PerApp"}, std::nullopt},
 };
 INSTANTIATE_TEST_SUITE_P(NoRecords, ReferenceTest,
-                         ::testing::ValuesIn(Runs({kTableOfRecord, kRecord, kAcceptedRecord}, kNoRecords)));
+                         ::testing::ValuesIn(Runs({kTableOfRecord, kStoreRecord, kAcceptedRecord}, kNoRecords)));
 
 INSTANTIATE_TEST_SUITE_P(TablesOfRecords, ReferenceTest,
                          ::testing::ValuesIn(Runs({kTableOfRecord},
@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(TablesOfRecords, ReferenceTest,
                                                    {{"target", "\"TableID:0.7,DataID:1\""}, "TableID:1"}})));
 
 INSTANTIATE_TEST_SUITE_P(Records, ReferenceTest,
-                         ::testing::ValuesIn(Runs({kRecord},
+                         ::testing::ValuesIn(Runs({kStoreRecord},
                                                   {{{"target", "DataID_Submit"}, "TableID:12,DataID:345"},
                                                    {{"target", "\"dataid:1E3,TABLEID:99\""}, "TableID:99,DataID:1000"},
                                                    {{"target", "\"TableID: 7 ,DataID: 8 \""}, "TableID:7,DataID:8"},
@@ -123,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(UnitValues, ReferenceTest,
 class ReferenceCommandTest : public ValueCommandTest {};
 
 TEST_F(ReferenceCommandTest, ATableNumberBeyond16BitsRaisesOverflow) {
-  for (const auto& operation : {kTableOfRecord, kRecord, kAcceptedRecord}) {
+  for (const auto& operation : {kTableOfRecord, kStoreRecord, kAcceptedRecord}) {
     EXPECT_THROW(RunStep(operation, {"target", "\"TableID:40000,DataID:5\""}), OverflowError);
   }
   EXPECT_THROW(RunStep(kUnitValue, {"target", "\"TableID:40000,DataID:5\"", "\"Title\""}), OverflowError);
@@ -141,15 +141,15 @@ TEST_F(ReferenceCommandTest, TheDocumentIsJoinedAsGiven) {
 
 TEST_F(ReferenceCommandTest, AReferenceIsReadEvaluatedAndWritten) {
   Given("reference", "dataid:345,tableid:12");
-  RunStep(kRecord, {"target", "reference"});
-  EXPECT_THAT(trace(), ElementsAre(ReadingOf(kRecord, 1), ReadingOf(kRecord, 2), ReadingOf("reference"),
+  RunStep(kStoreRecord, {"target", "reference"});
+  EXPECT_THAT(trace(), ElementsAre(ReadingOf(kStoreRecord, 1), ReadingOf(kStoreRecord, 2), ReadingOf("reference"),
                                    ReadingOf("target"), InsertingOf("target", "TableID:12,DataID:345")));
 }
 
 TEST_F(ReferenceCommandTest, AValueThatIsNoReferenceLeavesTheTargetUnchanged) {
   Given("target", "old");
-  RunStep(kRecord, {"target", "text"});
-  EXPECT_THAT(trace(), ElementsAre(ReadingOf(kRecord, 1), ReadingOf(kRecord, 2), ReadingOf("text")));
+  RunStep(kStoreRecord, {"target", "text"});
+  EXPECT_THAT(trace(), ElementsAre(ReadingOf(kStoreRecord, 1), ReadingOf(kStoreRecord, 2), ReadingOf("text")));
   EXPECT_EQ(Variable(), "old");
 }
 

@@ -24,7 +24,7 @@ std::string ClassText(const std::string& class_name, const std::string& header) 
   std::ostringstream text;
   text << file.rdbuf();
   const auto bare = std::regex_replace(text.str(), std::regex("//[^\n]*"), "");
-  const auto begin = bare.find("class " + class_name + " {");
+  const auto begin = bare.find("class TALM_FLOW_API " + class_name + " {");
   return bare.substr(begin, bare.find(" private:", begin) - begin);
 }
 
