@@ -29,8 +29,8 @@ std::string ManualText(std::string_view text) {
   return out;
 }
 
-std::string Bold(std::string_view text) { return "\\fB" + ManualText(text) + "\\fR"; }
-std::string Italic(std::string_view text) { return "\\fI" + ManualText(text) + "\\fR"; }
+std::string ManualBold(std::string_view text) { return "\\fB" + ManualText(text) + "\\fR"; }
+std::string ManualItalic(std::string_view text) { return "\\fI" + ManualText(text) + "\\fR"; }
 
 /// Descriptions on the command line are no whole sentences.
 std::string Sentence(const std::string& description) {
@@ -43,28 +43,30 @@ bool IsGlobal(const CLI::Option& option, const CLI::App& app, const CLI::App& ro
   return &app != &root && option.check_lname("help");
 }
 
-std::string Heading(const CLI::Option& option) {
-  if (option.get_positional()) return Italic(option.get_name(true));
+std::string OptionHeading(const CLI::Option& option) {
+  if (option.get_positional()) return ManualItalic(option.get_name(true));
   std::string names;
-  const auto add = [&](const std::string& name) { names += (names.empty() ? "" : ", ") + Bold(name); };
+  const auto add = [&](const std::string& name) { names += (names.empty() ? "" : ", ") + ManualBold(name); };
   for (const auto& name : option.get_snames()) add("-" + name);
   for (const auto& name : option.get_lnames()) add("--" + name);
-  if (option.get_items_expected_max() > 0) names += " " + Italic(option.get_type_name());
+  if (option.get_items_expected_max() > 0) names += " " + ManualItalic(option.get_type_name());
   return names;
 }
 
 void PrintOption(const CLI::Option& option) {
-  std::cout << ".TP\n" << Heading(option) << '\n' << Sentence(option.get_description());
-  if (!option.get_default_str().empty()) std::cout << "\nWithout it: " << Bold(option.get_default_str()) << '.';
-  if (!option.get_envname().empty()) std::cout << "\nThe environment gives it as " << Bold(option.get_envname()) << '.';
+  std::cout << ".TP\n" << OptionHeading(option) << '\n' << Sentence(option.get_description());
+  if (!option.get_default_str().empty()) std::cout << "\nWithout it: " << ManualBold(option.get_default_str()) << '.';
+  if (!option.get_envname().empty())
+    std::cout << "\nThe environment gives it as " << ManualBold(option.get_envname()) << '.';
   std::cout << '\n';
 }
 
 std::string Synopsis(const CLI::App& app, const std::string& path) {
-  std::string line = Bold(path) + " [" + Italic("options") + "]";
+  std::string line = ManualBold(path) + " [" + ManualItalic("options") + "]";
   for (const CLI::Option* option : app.get_options()) {
     if (!option->get_positional()) continue;
-    const std::string name = Italic(option->get_name(true)) + (option->get_items_expected_max() > 1 ? " ..." : "");
+    const std::string name =
+        ManualItalic(option->get_name(true)) + (option->get_items_expected_max() > 1 ? " ..." : "");
     line += option->get_required() ? " " + name : " [" + name + "]";
   }
   return line;
@@ -107,14 +109,14 @@ void PrintSubcommands(const CLI::App& root) {
   }
 }
 
-void PrintPage(const CLI::App& root) {
+void PrintProgramPage(const CLI::App& root) {
   const std::string name = root.get_name();
   std::cout
       << ".TH TALMFLOW 1 \"\" \"talmflow " << TALM_FLOW_VERSION << "\" \"User Commands\"\n"
       << ".SH NAME\n"
       << name << " \\- run and keep workflows in a database\n"
       << ".SH SYNOPSIS\n"
-      << Synopsis(root, name) << ' ' << Italic("subcommand") << " ...\n"
+      << Synopsis(root, name) << ' ' << ManualItalic("subcommand") << " ...\n"
       << ".SH DESCRIPTION\n"
       << Sentence(root.get_description()) << '\n'
       << "A flow is a stored tree of steps. A run walks the tree, waits in rows of the database, and goes on when\n"
@@ -135,7 +137,7 @@ class ManualPage : public Subcommand {
   explicit ManualPage(CLI::App& parent)
       : Subcommand(parent, "manual", "Print this program's manual page", "talmflow manual | man -l -"), root_(parent) {}
 
-  void Run(const GlobalOptions&) override { PrintPage(root_); }
+  void Run(const GlobalOptions&) override { PrintProgramPage(root_); }
 
  private:
   const CLI::App& root_;

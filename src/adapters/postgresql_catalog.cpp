@@ -138,12 +138,12 @@ PostgresqlCatalog::Table PostgresqlCatalog::Read(std::string_view condition, Pos
   Table table;
   const int rows = PQntuples(result.get());
   if (rows == 0) return table;
-  table.oid = NumberOf<Oid>(Field(result.get(), 0, 0));
+  table.oid = NumberFrom<Oid>(Field(result.get(), 0, 0));
   for (int row = 0; row < rows; ++row) {
     const std::string_view name = Field(result.get(), row, 3);
-    table.columns.push_back({NumberOf<int>(Field(result.get(), row, 2)), std::string(name), std::string(name)});
+    table.columns.push_back({NumberFrom<int>(Field(result.get(), row, 2)), std::string(name), std::string(name)});
     const bool in_key = PQgetisnull(result.get(), row, 4) == 0 &&
-                        NumberOf<int>(Field(result.get(), row, 4)) < NumberOf<int>(Field(result.get(), row, 5));
+                        NumberFrom<int>(Field(result.get(), row, 4)) < NumberFrom<int>(Field(result.get(), row, 5));
     if (in_key) table.key.order.push_back(QuotedName(SqliteDialect(), name));
     if (in_key) table.key.names.emplace_back(name);
   }
