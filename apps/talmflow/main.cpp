@@ -14,7 +14,7 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 void AddGlobalOptions(CLI::App& app, GlobalOptions& options) {
-  app.add_option("--db", options.db, "The database: sqlite:PATH, sqlite::memory: or postgresql://...")
+  app.add_option("--db", options.db, "The database: sqlite:PATH, sqlite::memory:, postgresql://... or odbc:...")
       ->envname("TALMFLOW_DB")
       ->capture_default_str();
   app.add_flag("--json", options.json, "Print results as JSON");
