@@ -9,6 +9,7 @@
 
 #include "office.h"
 #include "support/databases.h"
+#include "support/recording_connection.h"
 #include "talm_flow/text.h"
 
 namespace talm_flow::bench {
@@ -32,7 +33,8 @@ class ApprovalStatementsTest : public testing::Test {
 
   Counts Count(const std::function<void(Connection&)>& body) {
     Counts counts;
-    host::TracingConnection counting(office_.database(), [&counts](std::string_view text) {
+    test::RecordingConnection recording(office_.database());
+    host::TracingConnection counting(recording, [&counts](std::string_view text) {
       ++(EqualIgnoringAsciiCase(text.substr(0, 6), "select") ? counts.queries : counts.writes);
     });
     body(counting);

@@ -49,8 +49,10 @@ TEST_P(OperationSweepTest, TellsEveryFaultAndKeepsNothingBehindIt) {
   Stage stage(scene);
   const host::Services services = stage.world().services();
   const SweepResult result =
-      Sweep(stage.world().database(), services,
-            [&](Connection& connection, const host::Services& given) { return stage.Call(connection, given); });
+      Sweep(stage.world().database(), services, [&](Connection& connection, const host::Services& given) {
+        RecordingConnection recording(connection, scene.operation);
+        return stage.Call(recording, given);
+      });
   EXPECT_EQ(result.points == 0, IsPure(scene.operation)) << "the scene does not reach what the operation does";
   // The command under test is there to do something; C_11 answers only.
   const auto command = DescribeCommand(scene.operation.substr(scene.operation.find('.') + 1));
@@ -69,7 +71,10 @@ TEST(ScenesTest, PlayEveryPublicOperation) {
     EXPECT_TRUE(titles.insert(TitleOf(scene)).second) << TitleOf(scene) << " appears twice";
   }
   std::set<std::string> operations;
-  for (const auto& operation : late_bound::Operations()) operations.emplace(operation.name);
+  for (const auto& operation : late_bound::Operations()) {
+    operations.emplace(operation.name);
+    if (operation.takes_connection) ExpectStatementsOf(operation.name);
+  }
   EXPECT_EQ(played, operations);
   AddToFigure("operations_swept", operations.size());
   AddToFigure("scenes_swept", titles.size());

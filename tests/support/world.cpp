@@ -8,7 +8,8 @@ namespace talm_flow::test {
 
 World::World()
     : database_(ChosenDatabase()),
-      tracing_(*database_, [this](std::string_view text) { trace_.emplace_back(text); }),
+      recording_(*database_),
+      tracing_(recording_, [this](std::string_view text) { trace_.emplace_back(text); }),
       host_({.fixed_clock = MakeDateTime(2026, 1, 31, 9, 5, 0)}) {}
 
 void World::Run(std::string_view statement) { (void)database_->Execute(statement); }

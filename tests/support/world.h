@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/databases.h"
+#include "support/recording_connection.h"
 #include "talm_flow/adapters/database.h"
 #include "talm_flow/host/reference_host.h"
 #include "talm_flow/host/tracing_connection.h"
@@ -45,6 +46,7 @@ class World {
 
  private:
   CleanDatabase database_;
+  RecordingConnection recording_;
   std::vector<std::string> trace_;
   host::TracingConnection tracing_;
   host::ReferenceHost host_;
