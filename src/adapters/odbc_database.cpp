@@ -89,10 +89,6 @@ OdbcParameter ParameterOf(const NewField& field, std::string_view statement, Odb
   return parameter;
 }
 
-bool Contains(std::span<const int> numbers, int number) {
-  return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
-}
-
 /// A connection string with an option that belongs to the adapter.
 std::string WithOwnOption(const std::string& connection_string, std::string_view option) {
   const std::string_view key = option.substr(0, option.find('='));
@@ -103,7 +99,14 @@ std::string WithOwnOption(const std::string& connection_string, std::string_view
   return connection_string + ";" + std::string(option);
 }
 
-bool MeansLostConnection(std::string_view sql_state) { return sql_state.starts_with("08"); }
+/// Whether a statement makes or changes tables.
+bool IsDefinition(std::string_view text) {
+  constexpr std::array<std::string_view, 5> kWords = {"create", "alter", "drop", "truncate", "rename"};
+  const std::string_view trimmed = TrimBlanks(text);
+  const std::string_view word = trimmed.substr(0, trimmed.find_first_of(" \t\r\n"));
+  return std::any_of(kWords.begin(), kWords.end(),
+                     [word](std::string_view sought) { return EqualIgnoringAsciiCase(word, sought); });
+}
 
 }  // namespace
 
@@ -130,6 +133,7 @@ OdbcDatabase::OdbcDatabase(const OdbcUrl& url)
   if (engine_.may_be_narrow && LosesCharacters()) connection_.SetTexts(OdbcTexts::kNarrow);
   for (const std::string_view setting : engine_.settings) RunOwn(setting);
   if (!engine_.cluster_question.empty() && Ask(engine_.cluster_question, {}).count() > 0) {
+    in_cluster_ = true;
     for (const std::string_view setting : engine_.cluster_settings) RunOwn(setting);
   }
 }
@@ -225,6 +229,7 @@ std::unique_ptr<RowSet> OdbcDatabase::RunAsItIs(std::string_view engine_text, st
     statement.ExecuteDirect(engine_text, text);
   }
   NoteStatement(text);
+  if (holds_back_ && IsDefinition(text)) StartTransaction();
   // It may have changed the tables.
   shapes_.ForgetAll();
   keys_.clear();
@@ -273,6 +278,8 @@ void OdbcDatabase::RunOwn(std::string_view text) {
 
 void OdbcDatabase::RunDefinition(const std::string& statement) {
   RunOwn(statement);
+  // The server has committed what was open.
+  if (holds_back_) StartTransaction();
   shapes_.ForgetAll();
   keys_.clear();
 }
@@ -322,115 +329,6 @@ TableKey OdbcDatabase::Find(const TableName& table) {
     if (key.names.size() > 1) key.names.clear();
   }
   return keys_.emplace(table.name, std::move(key)).first->second;
-}
-
-// ---- Transactions ---------------------------------------------------------------------------------------------------
-
-void OdbcDatabase::Begin() {
-  if (in_transaction_) throw DatabaseError("a transaction is open already");
-  RunOwn(engine_.begin);
-  in_transaction_ = true;
-  savepoints_ = 0;
-  failure_.reset();
-  try {
-    TakeTurn();
-  } catch (...) {
-    in_transaction_ = false;
-    if (!lost_) {
-      OdbcStatement statement(connection_);
-      statement.ExecuteDirect("rollback", "rollback");
-    }
-    throw;
-  }
-}
-
-void OdbcDatabase::TakeTurn() {
-  if (engine_.take_turn.empty()) return;
-  try {
-    RunOwn(engine_.take_turn);
-  } catch (const DatabaseError& error) {
-    constexpr std::string_view kNoSuchTable = "42S02";
-    if (engine_.create_turn.empty() || StateOf(error).sql_state != kNoSuchTable) throw;
-    RunOwn(engine_.create_turn);
-    RunOwn(engine_.begin);
-    RunOwn(engine_.take_turn);
-  }
-}
-
-void OdbcDatabase::Commit() {
-  if (failure_) {
-    throw DatabaseError(
-        "the transaction was not kept, because a statement in it failed: " + std::string(failure_->what()),
-        failure_->Statement(), failure_->State());
-  }
-  RunOwn("commit");
-  in_transaction_ = false;
-  savepoints_ = 0;
-}
-
-void OdbcDatabase::Rollback() {
-  in_transaction_ = false;
-  savepoints_ = 0;
-  failure_.reset();
-  RunOwn("rollback");
-}
-
-std::string OdbcDatabase::SavepointName() const { return "unit_of_work_" + std::to_string(savepoints_); }
-
-void OdbcDatabase::SetSavepoint() {
-  ++savepoints_;
-  try {
-    RunOwn(std::string(engine_.savepoint) + SavepointName());
-  } catch (const DatabaseError&) {
-    --savepoints_;
-    throw;
-  }
-}
-
-void OdbcDatabase::ReleaseSavepoint() {
-  if (!engine_.release_savepoint.empty()) RunOwn(std::string(engine_.release_savepoint) + SavepointName());
-  --savepoints_;
-}
-
-void OdbcDatabase::RollbackToSavepoint() {
-  RunOwn(std::string(engine_.rollback_to_savepoint) + SavepointName());
-  if (failure_ && savepoints_ <= failure_depth_) failure_.reset();
-  ReleaseSavepoint();
-}
-
-void OdbcDatabase::Note(const DatabaseError& error) {
-  const OdbcState state = StateOf(error);
-  if (MeansLostConnection(state.sql_state)) lost_ = true;
-  if (!in_transaction_ || failure_) return;
-  const bool taken_back = Contains(engine_.taken_back, state.native);
-  if (!taken_back && !engine_.failure_ends_transaction) return;
-  failure_ = error;
-  failure_depth_ = taken_back ? 0 : savepoints_;
-}
-
-void OdbcDatabase::NoteStatement(std::string_view text) {
-  const std::string_view trimmed = TrimBlanks(text);
-  const std::string_view word = trimmed.substr(0, trimmed.find_first_of(" \t\r\n;"));
-  const auto is = [word](std::string_view sought) { return EqualIgnoringAsciiCase(word, sought); };
-  if (is("begin") || is("start")) {
-    in_transaction_ = true;
-  } else if (is("commit") || is("end") || (is("rollback") && TrimBlanks(trimmed.substr(word.size())).empty())) {
-    in_transaction_ = false;
-    failure_.reset();
-    savepoints_ = 0;
-  }
-}
-
-void OdbcDatabase::RefuseInEndedTransaction(std::string_view text) const {
-  if (!failure_ || engine_.failure_ends_transaction) return;
-  // Outside of the transaction that the server has ended the statement would be kept.
-  throw DatabaseError(failure_->what(), std::string(text), failure_->State());
-}
-
-bool OdbcDatabase::MayBeRepeated(const DatabaseError& error) const {
-  if (lost_) return false;
-  const OdbcState state = StateOf(error);
-  return state.sql_state == "40001" || state.sql_state == "40P01" || Contains(engine_.disturbed, state.native);
 }
 
 void OdbcDatabase::CreateTables() {

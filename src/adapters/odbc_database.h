@@ -79,7 +79,13 @@ class OdbcDatabase : public EngineDatabase, private ShapeFinder<OdbcShape>::Engi
   /// Whether characters beyond ASCII get lost on their way to the driver.
   bool LosesCharacters();
   void RunOwn(std::string_view text);
+  /// Begins a transaction, on a cluster one that cannot vanish unseen.
+  void StartTransaction();
   void TakeTurn();
+  /// @throws DatabaseError  the cluster has taken the transaction back.
+  void CheckThatNothingIsLost();
+  /// Behind the end of a transaction: on a cluster statements are again kept at once.
+  void LetGo();
   /// The rows of a question to the catalogue.
   [[nodiscard]] OdbcRows Ask(std::string_view question, const std::vector<std::string>& names);
   [[nodiscard]] std::string SavepointName() const;
@@ -97,7 +103,9 @@ class OdbcDatabase : public EngineDatabase, private ShapeFinder<OdbcShape>::Engi
   std::optional<DatabaseError> refusal_;
 
   bool connected_ = false;
+  bool in_cluster_ = false;
   bool in_transaction_ = false;
+  bool holds_back_ = false;  ///< what is in no transaction
   bool lost_ = false;
   int savepoints_ = 0;
   /// Why the transaction can only be taken back, from which depth of savepoints on.

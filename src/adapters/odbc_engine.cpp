@@ -71,6 +71,8 @@ const OdbcEngine kMariadbByOdbc = {
     .settings = kMariadbSettings,
     .cluster_question = "show variables where Variable_name='wsrep_on' and Value='ON'",
     .cluster_settings = kGaleraSettings,
+    .cluster_hold = "set autocommit=0",
+    .cluster_let_go = "set autocommit=1",
     .begin = "start transaction",
     .take_turn = "insert into TalmFlowTurn (ID,Turns) values (1,1) on duplicate key update Turns=Turns+1",
     .create_turn =

@@ -35,6 +35,10 @@ struct OdbcEngine {
   /// Gives a row when the server is a node of a cluster; `cluster_settings` are then run too.
   std::string_view cluster_question = {};
   std::span<const std::string_view> cluster_settings = {};
+  /// A node may take a transaction back without any statement telling it; what follows would then be kept, each
+  /// statement for itself. These hold back and let go again what is in no transaction; they stand around each one.
+  std::string_view cluster_hold = {};
+  std::string_view cluster_let_go = {};
 
   std::string_view begin;
   /// Run right behind `begin`: waits for this transaction's turn.
