@@ -172,6 +172,12 @@ typedef struct TalmVariant {
   uint16_t reserved[3];  ///< 0
   /// The value, by its type.
   union {
+    /// A record of the host's; the component takes none. The largest member is the first: an empty initialiser clears no
+    /// other.
+    struct {
+      void* data;         ///< its fields
+      void* description;  ///< its type
+    } record;
     int8_t int8;           ///< `kTalmInt8`
     uint8_t uint8;         ///< `kTalmUint8`
     int16_t int16;         ///< `kTalmInt16`
@@ -191,11 +197,6 @@ typedef struct TalmVariant {
     TalmDispatch* object;  ///< `kTalmObject`
     TalmArray* array;      ///< with `kTalmArray`
     void* reference;       ///< with `kTalmByReference`
-    /// A record of the host's; the component takes none.
-    struct {
-      void* data;         ///< its fields
-      void* description;  ///< its type
-    } record;
   } as;
 } TalmVariant;
 

@@ -1,7 +1,10 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
+#include <new>
 
 #include "component/component_host.h"
 
@@ -31,6 +34,14 @@ class ValuesTest : public ComponentTest {
   Object name_ = Create(u"TALM_Flow.Name");
   Outcome row_ = RunText(connection_, "Insert Into WorkFlowName (FlowName) Values ('F')");
 };
+
+// Whoever sets the type alone has a null of that type, not what stood in the memory before.
+TEST(EmptyVariantTest, IsZeroInEveryByte) {
+  alignas(TalmVariant) std::array<unsigned char, sizeof(TalmVariant)> bytes;
+  bytes.fill(0xFF);
+  new (bytes.data()) TalmVariant{};
+  EXPECT_THAT(bytes, testing::Each(0));
+}
 
 TEST_F(ValuesTest, NumbersOfEveryTypeAreTaken) {
   EXPECT_EQ(Numbered(kTalmInt8, [](auto& v) { v.as.int8 = -8; }), "\"-8\"");
