@@ -5,7 +5,7 @@ JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 120
 CMAKE_BUILD = cmake --build build --parallel $(JOBS)
 
-.PHONY: help run test package test-cluster test-windows soak build bench fuzz lint format docs reference clean asan tsan valgrind coverage
+.PHONY: help run test package test-cluster test-windows soak build bench fuzz lint format docs reference clean asan tsan valgrind coverage reliability
 
 help:  ## list the targets
 	@awk -F':.*## ' '/^[a-z-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
@@ -88,6 +88,12 @@ coverage:  ## which lines and branches of the library the tests reach
 	tools/setup test
 	tools/setup coverage
 	tools/coverage --jobs $(JOBS)
+
+reliability:  ## measure all that docs/reliability.md tells, and write it anew (some hours)
+	tools/setup test
+	tools/setup coverage
+	tools/setup valgrind
+	tools/reliability --jobs $(JOBS)
 
 test-windows:  ## build the library for Windows and drive it under Wine; what that tells is printed
 	tools/setup windows
