@@ -110,7 +110,7 @@ void PrintSubcommands(const CLI::App& root) {
 }
 
 void PrintProgramPage(const CLI::App& root) {
-  const std::string name = root.get_name();
+  const std::string& name = root.get_name();
   std::cout
       << ".TH TALMFLOW 1 \"\" \"talmflow " << TALM_FLOW_VERSION << "\" \"User Commands\"\n"
       << ".SH NAME\n"
